@@ -1,0 +1,161 @@
+#include "core/DetectionContent.h"
+
+#include "core/ScreenSettings.h"
+#include "host/KrPluginKeys.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <optional>
+
+namespace PluginKrHvcP2 {
+
+namespace Keys = Kora::Keys;
+
+namespace {
+
+constexpr int ContentEntryType = 8;
+constexpr int OutgoingDirection = 1;
+constexpr int LowestSequenceType = 2;
+
+std::optional<int> toInt(const QVariant &value)
+{
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    return ok ? std::optional<int>(number) : std::nullopt;
+}
+
+void readAge(const QVariant &value, int &age)
+{
+    if (const std::optional<int> number = toInt(value))
+        age = *number;
+}
+
+DetectionContent readContent(const QVariantMap &entry, int sequenceNumber)
+{
+    DetectionContent content;
+    content.sequenceNumber = sequenceNumber;
+    const QVariantMap params = entry.value(QStringLiteral("params")).toMap();
+    for (auto it = params.cbegin(); it != params.cend(); ++it) {
+        const auto isKey
+            = [&](const QString &key) { return it.key().compare(key, Qt::CaseInsensitive) == 0; };
+        if (isKey(Keys::AgeMin))
+            readAge(it.value(), content.ageMin);
+        else if (isKey(Keys::AgeMax))
+            readAge(it.value(), content.ageMax);
+        else if (isKey(Keys::Gender))
+            content.genders = genderFromText(it.value().toString());
+        else if (isKey(Keys::Default))
+            content.isDefault = isTrueText(it.value());
+    }
+    return content;
+}
+
+QVariantList events(const QVariantMap &screen)
+{
+    return screen.value(QStringLiteral("event")).toList();
+}
+
+/// The sequences that this screen's own events open to links. @p contentCount bounds the events
+/// that stand for all sequences.
+QSet<int> openSequences(const QVariantMap &screen, int contentCount)
+{
+    QSet<int> sequences;
+    bool allOpen = false;
+    for (const QVariant &entry : events(screen)) {
+        const QVariantMap event = entry.toMap();
+        const std::optional<int> type = toInt(event.value(QStringLiteral("type")));
+        if (toInt(event.value(QStringLiteral("direction"))) != OutgoingDirection || !type
+            || *type < LowestSequenceType)
+            continue;
+
+        const QVariantList listed = event.value(QStringLiteral("seq")).toList();
+        allOpen = allOpen || listed.isEmpty();
+        for (const QVariant &item : listed) {
+            if (const std::optional<int> sequence = toInt(item))
+                sequences.insert(*sequence);
+        }
+    }
+    for (int sequence = 1; allOpen && sequence <= contentCount; ++sequence)
+        sequences.insert(sequence);
+    return sequences;
+}
+
+/// The ids of the screens linked to each of the @p open sequences of screen @p screenId.
+QMap<int, QList<int>> linkedScreens(
+    int screenId, const QSet<int> &open, const QMap<int, QVariantMap> &stageScreens)
+{
+    QMap<int, QList<int>> identifiers;
+    for (auto it = stageScreens.cbegin(); it != stageScreens.cend(); ++it) {
+        if (it.key() == screenId)
+            continue;
+        for (const QVariant &entry : events(it.value())) {
+            const QVariantMap event = entry.toMap();
+            const std::optional<int> sequence = toInt(event.value(QStringLiteral("screenseq")));
+            if (toInt(event.value(Keys::Id)) != screenId
+                || !toInt(event.value(QStringLiteral("type"))) || !sequence
+                || !open.contains(*sequence))
+                continue;
+            QList<int> &ids = identifiers[*sequence];
+            if (!ids.contains(it.key()))
+                ids.append(it.key());
+        }
+    }
+    return identifiers;
+}
+
+} // namespace
+
+bool DetectionContent::isValid() const
+{
+    return sequenceNumber >= 0 && ageMin >= 0 && ageMax >= 0 && genders != UnknownGender
+        && ageMin <= ageMax;
+}
+
+DetectionContents detectionContents(
+    const QVariantMap &screen, const QMap<int, QVariantMap> &stageScreens)
+{
+    const QVariant id = screen.value(Keys::Id);
+    const std::optional<int> screenId = toInt(id);
+    if (id.isNull() || !screenId)
+        return {};
+
+    DetectionContents contents;
+    const QVariantList entries = screen.value(Keys::Contents).toList();
+    for (int position = 0; position < entries.size(); ++position) {
+        const DetectionContent content = readContent(entries.at(position).toMap(), position + 1);
+        if (content.isValid())
+            contents.append(content);
+    }
+
+    const QSet<int> open = openSequences(stageScreens.value(*screenId), contents.size());
+    const QMap<int, QList<int>> identifiers = linkedScreens(*screenId, open, stageScreens);
+    for (DetectionContent &content : contents)
+        content.identifiers = identifiers.value(content.sequenceNumber);
+    contents.erase(
+        std::remove_if(contents.begin(), contents.end(),
+            [](const DetectionContent &content) { return content.identifiers.isEmpty(); }),
+        contents.end());
+    return contents;
+}
+
+DetectionContent findContent(const DetectionContents &contents, qint64 sequenceNumber)
+{
+    const auto it = std::find_if(contents.cbegin(), contents.cend(),
+        [=](const DetectionContent &content) { return content.sequenceNumber == sequenceNumber; });
+    return it != contents.cend() ? *it : DetectionContent();
+}
+
+QVariantMap contentEntry(const QString &name, int ageMin, int ageMax, int genders, bool isDefault)
+{
+    const QVariantMap params{
+        {Keys::Name, name},
+        {Keys::AgeMin, ageMin},
+        {Keys::AgeMax, ageMax},
+        {Keys::Gender, genderToText(genders)},
+        {Keys::Default, isDefault ? Keys::True : Keys::False},
+    };
+    return {{QStringLiteral("type"), ContentEntryType}, {QStringLiteral("params"), params}};
+}
+
+} // namespace PluginKrHvcP2

@@ -1,0 +1,101 @@
+#include "detection/Determination.h"
+
+#include <algorithm>
+
+namespace PluginKrHvcP2 {
+
+namespace {
+
+constexpr double DirectionWeight = 0.5;
+
+constexpr double FullFitBonus = 1.5;
+constexpr double FullFitBonusMarkedGender = 1.65;
+constexpr double FullFitMarkedAgeFactor = 1.1;
+constexpr double DefaultBonus = 1.0;
+constexpr double DefaultBonusMarkedGender = 1.1;
+constexpr double AgeFitBonus = 0.5;
+constexpr double AgeFitBonusMarkedAge = 0.55;
+
+/// Position of the last element equal to @p value; -1 when there is none.
+int lastPosition(const QVector<int> &sorted, int value)
+{
+    const auto it = std::upper_bound(sorted.cbegin(), sorted.cend(), value);
+    const bool found = it != sorted.cbegin() && *(it - 1) == value;
+    return found ? static_cast<int>(it - sorted.cbegin()) - 1 : -1;
+}
+
+/// Position of the first element equal to @p value; -1 when there is none.
+int firstPosition(const QVector<int> &sorted, int value)
+{
+    const auto it = std::lower_bound(sorted.cbegin(), sorted.cend(), value);
+    const bool found = it != sorted.cend() && *it == value;
+    return found ? static_cast<int>(it - sorted.cbegin()) : -1;
+}
+
+} // namespace
+
+ContentMatch matchContent(const FaceResult &face, const DetectionContents &contents)
+{
+    const FaceResultItem ageItem = face.item(FaceResultItem::Age);
+    const FaceResultItem genderItem = face.item(FaceResultItem::Gender);
+    const int age = ageItem.isValid() ? ageItem.value.toInt() : -1;
+    const int gender = genderItem.isValid() ? genderItem.value.toInt() : UnknownGender;
+
+    int defaultFit = -1;
+    int ageFit = -1;
+    for (int position = 0; position < contents.size(); ++position) {
+        const DetectionContent &content = contents.at(position);
+        const bool coversAge = content.coversAge(age);
+        if ((content.genders & gender) == 0) {
+            if (coversAge)
+                ageFit = position;
+        } else if (coversAge) {
+            double bonus = genderItem.marked ? FullFitBonusMarkedGender : FullFitBonus;
+            if (ageItem.marked)
+                bonus *= FullFitMarkedAgeFactor;
+            return {position, bonus};
+        } else if (content.isDefault) {
+            defaultFit = position;
+        }
+    }
+
+    if (defaultFit >= 0)
+        return {defaultFit, genderItem.marked ? DefaultBonusMarkedGender : DefaultBonus};
+    if (ageFit >= 0)
+        return {ageFit, ageItem.marked ? AgeFitBonusMarkedAge : AgeFitBonus};
+    return {};
+}
+
+QList<CalculatedData> determineSequences(const QList<FaceResult> &faces, QVector<int> sizes,
+    QVector<int> directionValues, const DetectionContents &contents)
+{
+    std::sort(sizes.begin(), sizes.end());
+    std::sort(directionValues.begin(), directionValues.end());
+
+    QList<CalculatedData> results;
+    for (const FaceResult &face : faces) {
+        const ContentMatch match = matchContent(face, contents);
+        if (!match.isValid())
+            continue;
+        const int sizeRank = lastPosition(sizes, face.size());
+        const int directionRank
+            = directionValues.size() - firstPosition(directionValues, face.directionValue());
+
+        CalculatedData result;
+        result.faceIndex = face.index;
+        result.score = sizeRank + directionRank * DirectionWeight;
+        result.score += match.bonus;
+        result.seqNumber = contents.at(match.position).sequenceNumber;
+        result.restrictionKeys = contents.at(match.position).identifiers;
+        result.time = face.time;
+        results.append(result);
+    }
+
+    std::stable_sort(
+        results.begin(), results.end(), [](const CalculatedData &a, const CalculatedData &b) {
+            return a.score != b.score ? a.score > b.score : a.faceIndex > b.faceIndex;
+        });
+    return results;
+}
+
+} // namespace PluginKrHvcP2

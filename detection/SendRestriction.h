@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QMap>
+
+namespace PluginKrHvcP2 {
+
+/// Keeps what was just sent from being sent again too soon, by identifier.
+class SendRestriction
+{
+public:
+    /// True when a send at @p now lies at least @p limitMs milliseconds behind the last one for
+    /// every one of @p identifiers, or is their first. Identifiers that pass are stamped with
+    /// @p now even when another one does not. A clock that was set back restricts for that long.
+    bool admit(const QList<int> &identifiers, const QDateTime &now, int limitMs);
+
+private:
+    QMap<int, QDateTime> m_lastSent; // by identifier
+};
+
+} // namespace PluginKrHvcP2

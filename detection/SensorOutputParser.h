@@ -1,0 +1,52 @@
+#pragma once
+
+#include "detection/FaceResult.h"
+
+#include <QCoreApplication>
+#include <QList>
+#include <QString>
+#include <QVector>
+
+namespace PluginKrHvcP2 {
+
+/// What one chunk of the sensor program's output says.
+struct SensorFrame
+{
+    QList<FaceResult> faces; ///< complete ones, in the order of the output
+    QVector<int> sizes; ///< of the faces, in the same order
+    QVector<int> directionValues; ///< of the faces, in the same order
+    QString html; ///< a table with a row for each line; the program's text goes in unescaped
+    bool errorSeen = false; ///< the program reported a failure
+    bool noFace = false; ///< the program counted no face
+};
+
+/// Reads one chunk of the sensor program's output, line by line. Needs no state but the chunk: a
+/// line or face that is cut off at its end is lost.
+class SensorOutputParser
+{
+    Q_DECLARE_TR_FUNCTIONS(SensorOutputParser)
+
+public:
+    /// @p time becomes the time of the faces.
+    static SensorFrame parse(const QString &chunk, const QDateTime &time);
+
+private:
+    explicit SensorOutputParser(const QDateTime &time);
+
+    void parseLine(const QStringRef &line);
+    void appendErrorCell(const QStringRef &line);
+    void appendFaceCountCell(const QStringRef &line);
+    void appendResultCells(const QStringRef &line);
+    void appendIndexCells(
+        const QStringRef &line, const QStringRef &label, const QStringRef &values);
+    void appendAge(const QStringRef &values, bool marked);
+    void appendGender(const QStringRef &values, bool marked);
+    void appendDirection(const QStringRef &values);
+    void closeFace();
+
+    const QDateTime m_time;
+    FaceResult m_face; // under construction
+    SensorFrame m_frame;
+};
+
+} // namespace PluginKrHvcP2
