@@ -1,0 +1,148 @@
+#pragma once
+
+#include "core/DetectionContent.h"
+#include "core/ScreenSettings.h"
+#include "detection/CalculatedData.h"
+#include "detection/SendRestriction.h"
+#include "host/KrPluginExtScreenInterface.h"
+#include "log/LogDivision.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+#include <optional>
+
+class QTextDocument;
+
+namespace PluginKrHvcP2 {
+
+class KrHvcController;
+class KrMovingTextItem;
+class OwnedMutex;
+
+// moc answers for a base class under the name that the class head gives it, and hosts ask for the
+// unqualified one.
+using Kora::KrPluginExtScreenInterface;
+
+/// The object that the host loads: it conducts sensor, detection, panel and log.
+///
+/// Everything runs on the thread that owns it, which must be the thread of the host's scene. Log
+/// writes and signals towards the host may run event loops and host code, which may delete this
+/// object: after each of them the functions below ask before they go on.
+class KrHvcP2 : public QObject, public KrPluginExtScreenInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "com.velmora.kora.plugin.ExtScreenInterface/1.0" FILE "metadata.json")
+    Q_INTERFACES(Kora::KrPluginCommonInterface Kora::KrPluginExtScreenInterface)
+
+public:
+    KrHvcP2();
+    ~KrHvcP2() override;
+
+    QString name() const override;
+    QString path() const override;
+    void setPath(const QString &path) override; ///< "setting.ini" and the sensor program lie there
+    int apiLevel() const override;
+    QString identifier() const override;
+    QString version() const override;
+    bool hasGraphicsItem() const override;
+    int kind() const override;
+    QVariant params() const override;
+    bool hasParams() const override;
+    QObject *object() override;
+    QString shortName() const override;
+    QString displayName() const override;
+    QString description() const override;
+
+    Kora::KrPluginGraphicsItem *graphicsItem() override;
+    QWidget *propertyWidget() override;
+    void releaseGraphicsItem() override;
+    void releasePropertyWidget() override;
+    Kora::KrPluginGuiInterface *gui() override;
+    void setParams(const QVariantMap &params) override;
+    bool writeXml(QXmlStreamWriter &writer) override;
+    QList<QPair<QString, QVariant>> contentProperties(int index) const override;
+    bool canStart() const override;
+    bool canStop() const override;
+    bool canPause() const override;
+    bool init() override;
+    bool start() override;
+    bool stop() override;
+    bool pause() override;
+    bool reload() override;
+    void onScreenEntered() override;
+    void onScreenLeft() override;
+    void requestSequenceNumber(int number) override;
+    void requestSequenceIndex(int index) override;
+    int currentSequenceNumber() const override;
+    int currentSequenceIndex() const override;
+    int sequenceControlLevel() const override;
+    int timeControlLevel() const override;
+    int status() const override;
+    bool makeDefaultPluginData(QVariant *data) override;
+    QList<int> supportedTypes() const override;
+    QList<int> extraTypes() const override;
+    QImage icon() const override;
+    void setLogSetting(const QString &directory) override; ///< ignores a directory that is missing
+
+    // Hosts connect by name and index: keep the order of signals and slots.
+signals:
+    void throwLogMessage(const QString &message, int LogDivision) override;
+    void contentStarted(int seqIndex) override;
+    void contentPaused(int seqIndex) override;
+    void contnetStopped(int seqIndex) override;
+    void contentFinished(int seqIndex) override;
+    void contentHeadTransFinished(int seqIndex) override;
+    void contentTailTransStarted(int seqIndex) override;
+    void contentTimeout(int seqIndex, const QTime &time) override;
+
+private slots:
+    void onDataReceived(const QString &data);
+    // clazy:excludeall=fully-qualified-moc-types: hosts invoke these by the unqualified names
+    void sendLogMessage(const QString &message, LogDivision logDivision);
+    void sendStartedEvents(const QList<CalculatedData> &calcedList);
+    void onScreenValuesUpdated(int screenId, const QList<int> &seqIndexList);
+    void onFailedToStart(const QString &msg);
+    void onErrorOccured(const QString &msg);
+    void onCriticalErrorOccured(const QString &msg);
+    void onStarted();
+    void onStopped();
+
+private:
+    /// Lifecycle codes, fixed by the host.
+    enum Status {
+        Stopped = 100,
+        Paused = 101,
+        Started = 102,
+        Starting = 103,
+        Stopping = 104,
+        Initializing = 109,
+        Initialized = 110,
+        Constructed = 199,
+    };
+
+    KrMovingTextItem *panel() const;
+    void showLine(const QString &text) const;
+    void createController();
+    void deleteGraphicsItem();
+    void deletePropertyWidget();
+    void requestDeferredEvents();
+
+    int m_status = Constructed;
+    KrHvcController *m_controller = nullptr; // child of this
+    ScreenSettings m_settings;
+    int m_currentSequenceIndex = -1; // last one sent; -1: none
+
+    DetectionContents m_contents;
+    SendRestriction m_restriction;
+    // Shared with the calls that hold it, so that it can be unlocked after this object has gone.
+    std::shared_ptr<OwnedMutex> m_sendMutex;
+    // Newest results that came while this thread was inside sendStartedEvents().
+    std::optional<QList<CalculatedData>> m_deferredEvents;
+
+    std::unique_ptr<QTextDocument> m_reportDocument; // turns the HTML of a frame into plain text
+};
+
+} // namespace PluginKrHvcP2

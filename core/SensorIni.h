@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+namespace PluginKrHvcP2 {
+
+/// What the sensor program is started with.
+struct SensorParameters
+{
+    int interval = 0; ///< milliseconds
+    int speed = 0; ///< baud
+    int port = 0; ///< COM port number
+};
+
+/// The group "Main" of the INI file @p fileName, @p defaults where file or keys are missing. A
+/// value that is not a number reads as 0.
+SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults);
+
+} // namespace PluginKrHvcP2
