@@ -14,7 +14,6 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
-constexpr int ContentEntryType = 8;
 constexpr int OutgoingDirection = 1;
 constexpr int LowestSequenceType = 2;
 

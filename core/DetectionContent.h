@@ -36,6 +36,9 @@ DetectionContents detectionContents(
 /// The content of @p sequenceNumber; an invalid one when there is none.
 DetectionContent findContent(const DetectionContents &contents, qint64 sequenceNumber);
 
+/// The "type" that the plug-in gives its entries of a screen's "contents" list; the host's code.
+constexpr int ContentEntryType = 8;
+
 /// One entry for a screen's "contents" list.
 QVariantMap contentEntry(const QString &name, int ageMin, int ageMax, int genders, bool isDefault);
 

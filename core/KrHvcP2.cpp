@@ -3,6 +3,7 @@
 #include "core/SensorIni.h"
 #include "detection/Determination.h"
 #include "detection/SensorOutputParser.h"
+#include "gui/KrHvcGui.h"
 #include "host/KrPluginKeys.h"
 #include "log/OwnedMutex.h"
 #include "log/PluginLogger.h"
@@ -67,6 +68,7 @@ KrHvcP2::~KrHvcP2()
     }
     deleteGraphicsItem();
     deletePropertyWidget();
+    m_gui.reset(); // it points to members of this
 }
 
 QString KrHvcP2::name() const
@@ -173,7 +175,9 @@ void KrHvcP2::releasePropertyWidget()
 
 Kora::KrPluginGuiInterface *KrHvcP2::gui()
 {
-    return nullptr;
+    if (!m_gui)
+        createGui();
+    return m_gui.get();
 }
 
 void KrHvcP2::setParams(const QVariantMap &params)
@@ -524,6 +528,17 @@ void KrHvcP2::createController()
                  this, SLOT(onCriticalErrorOccured(QString))) && ok;
     ok = connect(m_controller, SIGNAL(started()), this, SLOT(onStarted())) && ok;
     ok = connect(m_controller, SIGNAL(stopped()), this, SLOT(onStopped())) && ok;
+    Q_ASSERT_X(ok, Q_FUNC_INFO, "a signature does not match");
+    Q_UNUSED(ok)
+}
+
+void KrHvcP2::createGui()
+{
+    m_gui = std::make_unique<KrHvcGui>();
+    m_gui->setPluginData(&m_pluginData); // the editors change the stored map in place
+    m_gui->setStage(&m_stage);
+    const bool ok = connect(m_gui.get(), SIGNAL(screenValuesUpdated(int,QList<int>)),
+                            this, SLOT(onScreenValuesUpdated(int,QList<int>)));
     Q_ASSERT_X(ok, Q_FUNC_INFO, "a signature does not match");
     Q_UNUSED(ok)
 }

@@ -19,6 +19,7 @@ class QTextDocument;
 namespace PluginKrHvcP2 {
 
 class KrHvcController;
+class KrHvcGui;
 class KrMovingTextItem;
 class OwnedMutex;
 
@@ -126,6 +127,7 @@ private:
     KrMovingTextItem *panel() const;
     void showLine(const QString &text) const;
     void createController();
+    void createGui();
     void deleteGraphicsItem();
     void deletePropertyWidget();
     void requestDeferredEvents();
@@ -142,6 +144,7 @@ private:
     // Newest results that came while this thread was inside sendStartedEvents().
     std::optional<QList<CalculatedData>> m_deferredEvents;
 
+    std::unique_ptr<KrHvcGui> m_gui; // created on first request
     std::unique_ptr<QTextDocument> m_reportDocument; // turns the HTML of a frame into plain text
 };
 

@@ -1,0 +1,137 @@
+#include "gui/AgeRange.h"
+
+#include "host/KrPluginKeys.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <tuple>
+
+namespace PluginKrHvcP2 {
+
+namespace Keys = Kora::Keys;
+
+namespace {
+
+int readAge(const QVariantMap &params, const QString &key, int fallback)
+{
+    bool ok = false;
+    const int age = params.value(key).toInt(&ok);
+    return ok ? age : fallback;
+}
+
+void appendFreeRangesOf(int gender, const QVector<AgeRange> &rivals, QVector<AgeRange> &freeRanges)
+{
+    const auto append = [&](qint64 ageMin, qint64 ageMax) {
+        const AgeRange range{static_cast<int>(ageMin), static_cast<int>(ageMax), gender, false};
+        if (!freeRanges.contains(range))
+            freeRanges.append(range);
+    };
+
+    const AgeRange &first = rivals.first();
+    if (first.ageMin > LowestAge)
+        append(LowestAge, first.ageMin - 1);
+    if (first.ageMax >= HighestAge)
+        return;
+
+    qint64 start = qint64{first.ageMax} + 1; // stored ages may be anything
+    for (auto it = std::next(rivals.cbegin()); it != rivals.cend(); ++it) {
+        if (it->ageMin <= start && start <= it->ageMax) {
+            start = qint64{it->ageMax} + 1;
+        } else if (start < it->ageMin) {
+            append(start, it->ageMin - 1);
+            start = qint64{it->ageMax} + 1;
+        }
+    }
+    if (start <= HighestAge)
+        append(start, HighestAge);
+}
+
+/// How well a free range that touches @p current suits it; higher is better.
+int matchPriority(const AgeRange &freeRange, const AgeRange &current)
+{
+    if (freeRange.gender == current.gender)
+        return 3;
+    if (!freeRange.sharesGenderWith(current))
+        return 0;
+    return freeRange.gender == Female ? 2 : 1;
+}
+
+bool touches(const AgeRange &freeRange, const AgeRange &current)
+{
+    return freeRange.contains(current.ageMin) || freeRange.contains(current.ageMax);
+}
+
+} // namespace
+
+bool operator==(const AgeRange &a, const AgeRange &b)
+{
+    return std::tie(a.ageMin, a.ageMax, a.gender, a.isDefault)
+        == std::tie(b.ageMin, b.ageMax, b.gender, b.isDefault);
+}
+
+AgeRange contentRange(const QVariant &entry)
+{
+    const QVariantMap params = entry.toMap().value(QStringLiteral("params")).toMap();
+    return {readAge(params, Keys::AgeMin, LowestAge), readAge(params, Keys::AgeMax, HighestAge),
+        genderFromText(params.value(Keys::Gender).toString()),
+        params.value(Keys::Default).toBool()};
+}
+
+QVector<AgeRange> contentRanges(const QVariantList &contents)
+{
+    QVector<AgeRange> ranges;
+    ranges.reserve(contents.size());
+    std::transform(contents.cbegin(), contents.cend(), std::back_inserter(ranges), contentRange);
+    std::stable_sort(ranges.begin(), ranges.end(), [](const AgeRange &a, const AgeRange &b) {
+        return std::tie(a.ageMin, a.ageMax) < std::tie(b.ageMin, b.ageMax);
+    });
+    return ranges;
+}
+
+QVector<AgeRange> freeRanges(const QVector<AgeRange> &sortedContents)
+{
+    QVector<AgeRange> result;
+    for (const int gender : {Male, Female, BothGenders}) {
+        QVector<AgeRange> rivals;
+        std::copy_if(sortedContents.cbegin(), sortedContents.cend(), std::back_inserter(rivals),
+            [=](const AgeRange &range) { return (range.gender & gender) != 0; });
+        if (!rivals.isEmpty())
+            appendFreeRangesOf(gender, rivals, result);
+    }
+    return result;
+}
+
+std::optional<AgeRange> nextRange(const AgeRange &current, const QVector<AgeRange> &freeRanges)
+{
+    if (freeRanges.isEmpty())
+        return std::nullopt;
+
+    std::array<std::optional<int>, 4> lastByPriority;
+    for (int i = 0; i < freeRanges.size(); ++i) {
+        if (touches(freeRanges.at(i), current))
+            lastByPriority.at(matchPriority(freeRanges.at(i), current)) = i;
+    }
+    for (auto it = lastByPriority.crbegin(); it != lastByPriority.crend(); ++it) {
+        if (*it)
+            return freeRanges.at((**it + 1) % freeRanges.size());
+    }
+
+    // Nothing touches: the last one of the highest gender code.
+    return *std::max_element(freeRanges.crbegin(), freeRanges.crend(),
+        [](const AgeRange &a, const AgeRange &b) { return a.gender < b.gender; });
+}
+
+RangeConflicts findConflicts(const AgeRange &entered, const QVector<AgeRange> &others)
+{
+    RangeConflicts conflicts;
+    for (const AgeRange &other : others) {
+        if (!other.sharesGenderWith(entered))
+            continue;
+        conflicts.defaults = conflicts.defaults || (entered.isDefault && other.isDefault);
+        conflicts.ages = conflicts.ages || touches(other, entered);
+    }
+    return conflicts;
+}
+
+} // namespace PluginKrHvcP2
