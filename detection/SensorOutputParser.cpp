@@ -125,8 +125,8 @@ void SensorOutputParser::appendResultCells(const QStringRef &line)
     if (fields.size() < 2)
         return;
 
-    const QStringRef label = fields.at(0);
-    const QStringRef values = fields.at(1);
+    const QStringRef &label = fields.at(0);
+    const QStringRef &values = fields.at(1);
     if (line.startsWith(QLatin1String("Index:"), Qt::CaseInsensitive)) {
         appendIndexCells(line, label, values);
         return;

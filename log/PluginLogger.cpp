@@ -1,6 +1,5 @@
 #include "log/PluginLogger.h"
 
-#include "log/LogDivision.h"
 #include "log/LogFormat.h"
 
 #include <QCoreApplication>
@@ -26,7 +25,7 @@ Q_LOGGING_CATEGORY(krhvcLog, "krhvcp2.log", QtWarningMsg)
 constexpr qint64 StaleLockAgeMs = 30000;
 constexpr int WaitTurnMs = 20;
 constexpr std::size_t MaxPendingRecords = 1000;
-constexpr qint64 MaxPendingBytes = 1024 * 1024;
+constexpr qint64 MaxPendingBytes = 1 << 20;
 
 qint64 byteSize(const QString &text)
 {
@@ -59,19 +58,17 @@ void waitOneTurn()
 
 } // namespace
 
-LogSettings::LogSettings()
-    : maxLevel(Information)
-    , baseName(QStringLiteral("plugin"))
-    , extension(QStringLiteral("txt"))
-    , levelNames({
-          {NoLogging, QStringLiteral("NoLogging")},
-          {Critical, QStringLiteral("Critical")},
-          {Error, QStringLiteral("Error")},
-          {Warning, QStringLiteral("Warning")},
-          {Notice, QStringLiteral("Notice")},
-          {Information, QStringLiteral("Information")},
-      })
-{ }
+QMap<int, QString> defaultLevelNames()
+{
+    return {
+        {NoLogging, QStringLiteral("NoLogging")},
+        {Critical, QStringLiteral("Critical")},
+        {Error, QStringLiteral("Error")},
+        {Warning, QStringLiteral("Warning")},
+        {Notice, QStringLiteral("Notice")},
+        {Information, QStringLiteral("Information")},
+    };
+}
 
 PluginLogger &PluginLogger::instance()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "log/LogDivision.h"
 #include "log/OwnedMutex.h"
 
 #include <QDateTime>
@@ -14,18 +15,19 @@ class QDir;
 
 namespace PluginKrHvcP2 {
 
+/// The untranslated names of all levels, by LogDivision.
+QMap<int, QString> defaultLevelNames();
+
 /// What the log writer writes, and where.
 struct LogSettings
 {
-    LogSettings();
-
     int style = 0; ///< 0: one line a record, any other value: a framed block
-    int maxLevel; ///< highest LogDivision that is written; initially Information
+    int maxLevel = Information; ///< highest LogDivision that is written
     QString directory; ///< created when missing; empty: the process's current directory
-    QString baseName; ///< stem of the file names, initially "plugin"
-    QString extension; ///< without dot, initially "txt"
+    QString baseName = QStringLiteral("plugin"); ///< stem of the file names
+    QString extension = QStringLiteral("txt"); ///< without dot
     int retentionDays = 30; ///< files dated earlier than this many days ago are deleted daily
-    QMap<int, QString> levelNames; ///< text printed for each LogDivision
+    QMap<int, QString> levelNames = defaultLevelNames(); ///< text printed for each LogDivision
 };
 
 /// The process-wide log writer: one file a day, shared with other processes by a lock file.
