@@ -1,0 +1,264 @@
+#include "MainWindow.h"
+
+#include "StagePlayer.h"
+#include "StageView.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStatusBar>
+#include <QStyleFactory>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace Player {
+
+namespace {
+
+constexpr int PaneWidth = 380;
+constexpr int Margin = 14;
+
+QFont scaled(QFont font, qreal factor, int weight)
+{
+    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setWeight(weight);
+    return font;
+}
+
+QLabel *createLabel(const QString &objectName, QWidget *parent)
+{
+    auto *const label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setTextFormat(Qt::PlainText); // most texts come from files
+    return label;
+}
+
+void makeFaint(QLabel *label)
+{
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, QColor(0x9a, 0xa5, 0xb1));
+    label->setPalette(palette);
+}
+
+QColor statusColor(int status)
+{
+    switch (status) {
+    case 102:
+        return {0x2f, 0x9e, 0x5b};
+    case 103:
+    case 104:
+    case 109:
+        return {0xc9, 0x8a, 0x1b};
+    case 101:
+        return {0x3a, 0x78, 0xc2};
+    default:
+        return {0x55, 0x60, 0x6c};
+    }
+}
+
+} // namespace
+
+MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
+    : QMainWindow(parent)
+    , m_player(player)
+{
+    setWindowTitle(tr("%1 - Stage Player").arg(player->stage().title()));
+    auto *const central = new QWidget(this);
+    auto *const layout = new QHBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(new StageView(&player->scene(), central), 1);
+    layout->addWidget(createPane());
+    setCentralWidget(central);
+
+    m_files = createLabel(QStringLiteral("files"), this);
+    makeFaint(m_files);
+    m_files->setContentsMargins(Margin, 0, 0, 0);
+    statusBar()->addWidget(m_files);
+    statusBar()->setSizeGripEnabled(false);
+
+    connect(&player->host(), &PluginHost::statusChanged, this, &MainWindow::showStatus);
+    connect(player, &StagePlayer::currentChanged, this, &MainWindow::showCurrent);
+    showStatus(player->host().status());
+    showCurrent();
+    resize(1480, 642); // the stage fills its side
+}
+
+void MainWindow::applyTheme()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    const QColor text(0xe4, 0xe8, 0xec);
+    const QColor disabled(0x6b, 0x75, 0x80);
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor(0x1b, 0x20, 0x26));
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, QColor(0x14, 0x18, 0x1d));
+    palette.setColor(QPalette::AlternateBase, QColor(0x19, 0x1e, 0x24));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, QColor(0x2c, 0x34, 0x3d));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, QColor(0x2c, 0x34, 0x3d));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::Highlight, QColor(0x3a, 0x78, 0xc2));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, disabled);
+    palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
+    QApplication::setPalette(palette);
+}
+
+void MainWindow::showPluginInformation()
+{
+    const PluginInformation plugin = m_player->host().information();
+    m_icon->setPixmap(QPixmap::fromImage(plugin.icon));
+    m_name->setText(QStringLiteral("%1 %2").arg(plugin.name, plugin.version));
+    m_vendor->setText(plugin.vendor);
+    m_vendor->setToolTip(plugin.copyright + QLatin1Char('\n') + plugin.url);
+    m_description->setText(plugin.description);
+
+    const StageFile &stage = m_player->stage();
+    const QString logs = m_player->logDirectory();
+    m_files->setText(
+        tr("Stage %1, screen %2")
+            .arg(QFileInfo(stage.fileName()).fileName(), QString::number(m_player->screenId())));
+    m_files->setToolTip(tr("Stage: %1\nLogs: %2")
+                            .arg(QDir::toNativeSeparators(stage.fileName()),
+                                logs.isEmpty() ? tr("none") : QDir::toNativeSeparators(logs)));
+}
+
+QWidget *MainWindow::createPane()
+{
+    auto *const pane = new QWidget(this);
+    pane->setFixedWidth(PaneWidth);
+    auto *const layout = new QVBoxLayout(pane);
+    layout->setContentsMargins(Margin, Margin, Margin, Margin / 2);
+    layout->setSpacing(Margin * 2 / 3);
+    layout->addWidget(createHeader());
+    layout->addWidget(createStatusRow());
+    layout->addWidget(createControls());
+    layout->addWidget(createEventList(), 1);
+    return pane;
+}
+
+QWidget *MainWindow::createHeader()
+{
+    auto *const header = new QWidget(this);
+    m_icon = createLabel(QStringLiteral("icon"), header);
+    m_icon->setFixedSize(44, 44);
+    m_icon->setAlignment(Qt::AlignCenter);
+    // The plug-in's icon may be dark.
+    m_icon->setStyleSheet(QStringLiteral("background-color: #e4e8ec; border-radius: 8px;"));
+    m_name = createLabel(QStringLiteral("name"), header);
+    m_name->setFont(scaled(m_name->font(), 1.35, QFont::Bold));
+    m_vendor = createLabel(QStringLiteral("vendor"), header);
+    makeFaint(m_vendor);
+    m_description = createLabel(QStringLiteral("description"), header);
+    m_description->setWordWrap(true);
+    m_description->setFont(scaled(m_description->font(), 0.85, QFont::Normal));
+    makeFaint(m_description);
+
+    auto *const names = new QVBoxLayout;
+    names->setSpacing(0);
+    names->addWidget(m_name);
+    names->addWidget(m_vendor);
+    auto *const top = new QHBoxLayout;
+    top->setSpacing(Margin);
+    top->addWidget(m_icon);
+    top->addLayout(names, 1);
+    auto *const layout = new QVBoxLayout(header);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(top);
+    layout->addWidget(m_description);
+    return header;
+}
+
+QWidget *MainWindow::createStatusRow()
+{
+    auto *const row = new QWidget(this);
+    m_status = createLabel(QStringLiteral("status"), row);
+    m_status->setFont(scaled(m_status->font(), 1.0, QFont::DemiBold));
+    m_current = createLabel(QStringLiteral("current"), row);
+    m_current->setFont(scaled(m_current->font(), 1.1, QFont::DemiBold));
+    m_current->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Margin);
+    layout->addWidget(m_status);
+    layout->addWidget(m_current, 1);
+    return row;
+}
+
+QWidget *MainWindow::createControls()
+{
+    auto *const row = new QWidget(this);
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    PluginHost *const host = &m_player->host();
+    const auto add = [&](const QString &name, const QString &text, bool (PluginHost::*call)()) {
+        auto *const button = new QPushButton(text, row);
+        button->setObjectName(name);
+        connect(button, &QPushButton::clicked, host, [host, call] { (host->*call)(); });
+        layout->addWidget(button);
+    };
+    add(QStringLiteral("start"), tr("&Start"), &PluginHost::start);
+    add(QStringLiteral("stop"), tr("S&top"), &PluginHost::stop);
+    add(QStringLiteral("pause"), tr("&Pause"), &PluginHost::pause);
+    add(QStringLiteral("reload"), tr("&Reload"), &PluginHost::reload);
+    return row;
+}
+
+QWidget *MainWindow::createEventList()
+{
+    m_events = new QTreeView(this);
+    m_events->setObjectName(QStringLiteral("events"));
+    m_events->setModel(&m_player->log());
+    m_events->setRootIsDecorated(false);
+    m_events->setUniformRowHeights(true);
+    m_events->setAlternatingRowColors(true);
+    m_events->setFrameShape(QFrame::NoFrame);
+    m_events->setFont(scaled(m_events->font(), 0.88, QFont::Normal));
+    QHeaderView *const header = m_events->header();
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setStretchLastSection(true);
+    const QFontMetrics metrics(m_events->font());
+    header->resizeSection(
+        EventLog::TimeColumn, metrics.horizontalAdvance(QStringLiteral("00:00:00.0000")) + 8);
+    header->resizeSection(
+        EventLog::NameColumn, metrics.horizontalAdvance(QStringLiteral("contentStarted")) + 14);
+
+    // Follow the newest event, unless the user has scrolled up to read an older one.
+    QScrollBar *const bar = m_events->verticalScrollBar();
+    connect(&m_player->log(), &EventLog::rowsAboutToBeInserted, m_events,
+        [this, bar] { m_events->setProperty("follow", bar->value() >= bar->maximum()); });
+    connect(bar, &QScrollBar::rangeChanged, m_events, [this, bar](int /*minimum*/, int maximum) {
+        if (m_events->property("follow").toBool())
+            bar->setValue(maximum);
+    });
+    return m_events;
+}
+
+void MainWindow::showStatus(int status)
+{
+    m_status->setText(
+        QStringLiteral("%1  %2").arg(QString::number(status), PluginHost::statusText(status)));
+    m_status->setStyleSheet(
+        QStringLiteral("background-color: %1; color: white; border-radius: 9px; padding: 3px 10px;")
+            .arg(statusColor(status).name()));
+}
+
+void MainWindow::showCurrent()
+{
+    const StageContent &content = m_player->current();
+    m_current->setText(content.number == 0
+            ? tr("Nothing switched yet")
+            : QStringLiteral("#%1  %2").arg(QString::number(content.number), content.name));
+    m_current->setToolTip(m_current->text());
+}
+
+} // namespace Player

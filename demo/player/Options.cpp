@@ -1,0 +1,151 @@
+#include "Options.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace Player {
+
+namespace {
+
+constexpr int MaximumSeconds = 1000000; // its milliseconds fit an int
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Player::Options", text);
+}
+
+QString pluginFileName()
+{
+#if defined(Q_OS_WIN)
+    return QStringLiteral("KrHvcP2.dll");
+#elif defined(Q_OS_MACOS)
+    return QStringLiteral("KrHvcP2.dylib");
+#else
+    return QStringLiteral("KrHvcP2.so");
+#endif
+}
+
+QString defaultLogDirectory()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)
+        + QLatin1String("/logs");
+}
+
+QCommandLineOption valueOption(const QString &name, const QString &value, const QString &text)
+{
+    return {name, text, value};
+}
+
+struct Parser
+{
+    QCommandLineOption headless{
+        QStringLiteral("headless"), tr("Run without a display and print one line an event.")};
+    QCommandLineOption seconds
+        = valueOption(QStringLiteral("seconds"), QStringLiteral("N"), tr("End after <N> seconds."));
+    QCommandLineOption stage = valueOption(QStringLiteral("stage"), QStringLiteral("FILE"),
+        tr("Play the stage file <FILE> (default: stages/shop-window.json beside the program)."));
+    QCommandLineOption screen = valueOption(QStringLiteral("screen"), QStringLiteral("ID"),
+        tr("Play the screen <ID> (default: the one that the stage file names)."));
+    QCommandLineOption plugin = valueOption(QStringLiteral("plugin"), QStringLiteral("FILE"),
+        tr("Load the plug-in <FILE> (default: KrHvcP2 beside the program)."));
+    QCommandLineOption logDirectory = valueOption(QStringLiteral("log-dir"), QStringLiteral("DIR"),
+        tr("Let the plug-in write its log below <DIR>, which is created when missing."));
+    QCommandLineOption screenshot = valueOption(QStringLiteral("screenshot"),
+        QStringLiteral("FILE"), tr("Write what is shown at the end to the picture <FILE>."));
+    QCommandLineOption replay = valueOption(QStringLiteral("replay"), QStringLiteral("FILE"),
+        tr("Let the sensor simulator play the recording <FILE>."));
+    QCommandLineOption scenario = valueOption(QStringLiteral("scenario"), QStringLiteral("FILE"),
+        tr("Let the sensor simulator play the scenario <FILE>."));
+    QCommandLineParser parser;
+    QCommandLineOption help;
+    QCommandLineOption version;
+
+    Parser()
+        : help(parser.addHelpOption())
+        , version(parser.addVersionOption())
+    {
+        parser.setApplicationDescription(tr("Plays a stage as the host application does and lets "
+                                            "the plug-in choose its sequences."));
+        parser.addOptions(
+            {headless, seconds, stage, screen, plugin, logDirectory, screenshot, replay, scenario});
+    }
+
+    /// The option's value as an absolute path, @p fallback when it is not given.
+    QString path(const QCommandLineOption &option, const QString &fallback = {}) const
+    {
+        const QString value = parser.value(option);
+        return value.isEmpty() ? fallback : QFileInfo(value).absoluteFilePath();
+    }
+};
+
+Options refuse(const QString &reason)
+{
+    Options options;
+    options.request = Options::Refuse;
+    options.error = reason;
+    return options;
+}
+
+} // namespace
+
+Options Options::fromArguments(const QStringList &arguments, const QString &programDirectory)
+{
+    Parser given;
+    QCommandLineParser &parser = given.parser;
+    if (!parser.parse(arguments))
+        return refuse(parser.errorText());
+
+    Options options;
+    if (parser.isSet(given.help)) {
+        options.request = ShowHelp;
+        return options;
+    }
+    if (parser.isSet(given.version)) {
+        options.request = ShowVersion;
+        return options;
+    }
+    if (!parser.positionalArguments().isEmpty())
+        return refuse(
+            tr("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
+    if (parser.isSet(given.seconds)) {
+        bool ok = false;
+        const double value = parser.value(given.seconds).toDouble(&ok);
+        if (!ok || !(value >= 0 && value <= MaximumSeconds)) {
+            return refuse(tr("--seconds: '%1' is not a number from 0 to %2.")
+                              .arg(parser.value(given.seconds), QString::number(MaximumSeconds)));
+        }
+        options.milliseconds = qRound(value * 1000);
+    }
+    if (parser.isSet(given.screen)) {
+        bool ok = false;
+        options.screenId = parser.value(given.screen).toInt(&ok);
+        if (!ok) {
+            return refuse(
+                tr("--screen: '%1' is not a whole number.").arg(parser.value(given.screen)));
+        }
+    }
+    if (parser.isSet(given.replay) && parser.isSet(given.scenario))
+        return refuse(tr("--replay and --scenario exclude each other."));
+
+    const QDir directory(programDirectory);
+    options.headless = parser.isSet(given.headless);
+    options.stageFile = given.path(
+        given.stage, directory.absoluteFilePath(QStringLiteral("stages/shop-window.json")));
+    options.pluginFile = given.path(given.plugin, directory.absoluteFilePath(pluginFileName()));
+    options.logDirectory = given.path(given.logDirectory, defaultLogDirectory());
+    options.screenshotFile = given.path(given.screenshot);
+    options.replayFile = given.path(given.replay);
+    options.scenarioFile = given.path(given.scenario);
+    return options;
+}
+
+QString Options::helpText()
+{
+    return Parser().parser.helpText();
+}
+
+} // namespace Player

@@ -1,0 +1,286 @@
+#include "PluginHost.h"
+
+#include "StageFile.h"
+#include "host/KrPluginExtScreenInterface.h"
+#include "host/KrPluginGraphicsItem.h"
+#include "host/KrPluginGuiInterface.h"
+#include "host/KrPluginKeys.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QThread>
+
+namespace Player {
+
+namespace {
+
+constexpr int StatusInterval = 100; // ms; the plug-in has no signal for its status
+constexpr int StopTimeout = 1000; // ms
+
+enum Status {
+    Stopped = 100,
+    Paused = 101,
+    Started = 102,
+    Starting = 103,
+    Stopping = 104,
+    Initializing = 109,
+    Initialized = 110,
+    Constructed = 199
+};
+
+QString linesOf(const QJsonValue &value)
+{
+    if (!value.isArray())
+        return value.toString();
+    QStringList lines;
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue &line : array)
+        lines << line.toString();
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace
+
+PluginHost::PluginHost(QObject *parent)
+    : QObject(parent)
+{
+    m_statusTimer.setInterval(StatusInterval);
+    connect(&m_statusTimer, &QTimer::timeout, this, &PluginHost::updateStatus);
+}
+
+PluginHost::~PluginHost()
+{
+    shutDown();
+}
+
+bool PluginHost::load(const QString &fileName)
+{
+    m_loader.setFileName(QFileInfo(fileName).absoluteFilePath());
+    if (!m_loader.load()) {
+        m_errorString = m_loader.errorString();
+        return false;
+    }
+    m_object = m_loader.instance();
+    m_plugin = qobject_cast<Kora::KrPluginExtScreenInterface *>(m_object.data());
+    if (!m_plugin) {
+        m_errorString = tr("The file is not a screen plug-in.");
+        delete m_object;
+        return false;
+    }
+    if (!connectSignals()) {
+        m_errorString = tr("The plug-in lacks a signal of the screen interface.");
+        shutDown();
+        return false;
+    }
+    readInformation();
+    return true;
+}
+
+bool PluginHost::setUp(const StageFile &stage, int screenId, const QString &logDirectory)
+{
+    if (!plugin())
+        return false;
+    m_plugin->setPath(QFileInfo(m_loader.fileName()).absolutePath());
+    m_plugin->setLogSetting(logDirectory);
+
+    Kora::KrPluginStage description;
+    description.setScreens(stage.screens());
+    m_plugin->setStage(description);
+    const QVariantMap parameters = stage.screenParameters(screenId);
+    m_plugin->setPluginData(parameters);
+    m_plugin->setParams(parameters.value(Kora::Keys::PluginData).toMap());
+
+    m_panel = m_plugin->graphicsItem();
+    m_gui = m_plugin->gui();
+    m_statusTimer.start();
+    return call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
+}
+
+Kora::KrPluginGraphicsItem *PluginHost::panel() const
+{
+    return plugin() ? m_panel : nullptr;
+}
+
+Kora::KrPluginGuiInterface *PluginHost::gui() const
+{
+    return plugin() ? m_gui : nullptr;
+}
+
+bool PluginHost::start()
+{
+    return call(QStringLiteral("start"), &Kora::KrPluginExtScreenInterface::start);
+}
+
+bool PluginHost::stop()
+{
+    return call(QStringLiteral("stop"), &Kora::KrPluginExtScreenInterface::stop);
+}
+
+bool PluginHost::pause()
+{
+    return call(QStringLiteral("pause"), &Kora::KrPluginExtScreenInterface::pause);
+}
+
+bool PluginHost::reload()
+{
+    return call(QStringLiteral("reload"), &Kora::KrPluginExtScreenInterface::reload);
+}
+
+void PluginHost::finish()
+{
+    // Pausing leaves the sensor program running, so a paused plug-in is stopped as well.
+    const int before = status();
+    if (before == Starting || before == Started || before == Paused) {
+        stop();
+        const QDeadlineTimer deadline(StopTimeout);
+        while (status() == Stopping && !deadline.hasExpired()) {
+            QCoreApplication::processEvents();
+            QThread::msleep(10);
+        }
+        // The sensor program ends with its QProcess, which the plug-in deletes later.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        updateStatus();
+    }
+}
+
+void PluginHost::shutDown()
+{
+    finish();
+    m_statusTimer.stop();
+    m_panel = nullptr;
+    m_gui = nullptr;
+    m_plugin = nullptr;
+    // The library stays loaded: Qt may still hold meta types that were registered from it.
+    delete m_object;
+}
+
+int PluginHost::status() const
+{
+    return plugin() ? plugin()->status() : 0;
+}
+
+QString PluginHost::statusText(int status)
+{
+    switch (status) {
+    case Stopped:
+        return tr("Stopped");
+    case Paused:
+        return tr("Paused");
+    case Started:
+        return tr("Started");
+    case Starting:
+        return tr("Starting");
+    case Stopping:
+        return tr("Stopping");
+    case Initializing:
+        return tr("Initialising");
+    case Initialized:
+        return tr("Initialised");
+    case Constructed:
+        return tr("Loaded");
+    case 0:
+        return tr("No plug-in");
+    default:
+        return tr("Unknown");
+    }
+}
+
+void PluginHost::onContentPaused(int seqIndex)
+{
+    emit contentSignalReceived(QStringLiteral("contentPaused"), seqIndex, QTime());
+}
+
+void PluginHost::onContentStopped(int seqIndex)
+{
+    emit contentSignalReceived(QStringLiteral("contnetStopped"), seqIndex, QTime());
+}
+
+void PluginHost::onContentFinished(int seqIndex)
+{
+    emit contentSignalReceived(QStringLiteral("contentFinished"), seqIndex, QTime());
+}
+
+void PluginHost::onContentHeadTransFinished(int seqIndex)
+{
+    emit contentSignalReceived(QStringLiteral("contentHeadTransFinished"), seqIndex, QTime());
+}
+
+void PluginHost::onContentTailTransStarted(int seqIndex)
+{
+    emit contentSignalReceived(QStringLiteral("contentTailTransStarted"), seqIndex, QTime());
+}
+
+void PluginHost::onContentTimeout(int seqIndex, const QTime &time)
+{
+    emit contentSignalReceived(QStringLiteral("contentTimeout"), seqIndex, time);
+}
+
+void PluginHost::updateStatus()
+{
+    const int now = status();
+    if (now == m_status)
+        return;
+    m_status = now;
+    emit statusChanged(now);
+}
+
+Kora::KrPluginExtScreenInterface *PluginHost::plugin() const
+{
+    return m_object ? m_plugin : nullptr;
+}
+
+void PluginHost::readInformation()
+{
+    const QJsonObject metaData = m_loader.metaData().value(QLatin1String("MetaData")).toObject();
+    m_information.name = metaData.value(QLatin1String("Name")).toString();
+    m_information.version = metaData.value(QLatin1String("Version")).toString();
+    m_information.vendor = metaData.value(QLatin1String("Vendor")).toString();
+    m_information.copyright = metaData.value(QLatin1String("Copyright")).toString();
+    m_information.url = metaData.value(QLatin1String("Url")).toString();
+    m_information.description = linesOf(metaData.value(QLatin1String("Description")));
+    m_information.icon = m_plugin->icon();
+}
+
+bool PluginHost::connectSignals()
+{
+    // The interface is no QObject, so its signals have no address to connect to; "contnetStopped"
+    // is spelt as plug-ins have it.
+    // clang-format off
+    const QObject *sender = m_plugin->object();
+    bool ok = connect(sender, SIGNAL(throwLogMessage(QString,int)), this,
+        SIGNAL(logMessageThrown(QString,int)));
+    ok = connect(sender, SIGNAL(contentStarted(int)), this, SIGNAL(contentStarted(int))) && ok;
+    ok = connect(sender, SIGNAL(contentPaused(int)), this, SLOT(onContentPaused(int))) && ok;
+    ok = connect(sender, SIGNAL(contnetStopped(int)), this, SLOT(onContentStopped(int))) && ok;
+    ok = connect(sender, SIGNAL(contentFinished(int)), this, SLOT(onContentFinished(int))) && ok;
+    ok = connect(sender, SIGNAL(contentHeadTransFinished(int)), this,
+             SLOT(onContentHeadTransFinished(int)))
+        && ok;
+    ok = connect(sender, SIGNAL(contentTailTransStarted(int)), this,
+             SLOT(onContentTailTransStarted(int)))
+        && ok;
+    ok = connect(sender, SIGNAL(contentTimeout(int,QTime)), this,
+             SLOT(onContentTimeout(int,QTime)))
+        && ok;
+    // clang-format on
+    return ok;
+}
+
+bool PluginHost::call(
+    const QString &operation, bool (Kora::KrPluginExtScreenInterface::*function)())
+{
+    if (!plugin())
+        return false;
+    const QPointer<PluginHost> guard(this); // a plug-in may run an event loop in its operations
+    const bool result = (m_plugin->*function)();
+    if (guard) {
+        emit called(operation, result);
+        updateStatus();
+    }
+    return result;
+}
+
+} // namespace Player

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QImage>
+#include <QObject>
+#include <QPluginLoader>
+#include <QPointer>
+#include <QString>
+#include <QTime>
+#include <QTimer>
+
+namespace Kora {
+class KrPluginExtScreenInterface;
+class KrPluginGraphicsItem;
+class KrPluginGuiInterface;
+} // namespace Kora
+
+namespace Player {
+
+class StageFile;
+
+/// What a plug-in file tells about itself.
+struct PluginInformation
+{
+    QString name;
+    QString version;
+    QString vendor;
+    QString copyright;
+    QString url;
+    QString description; // may hold several lines
+    QImage icon;
+};
+
+/// Loads the plug-in file, drives the plug-in as a host does and owns it.
+class PluginHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PluginHost(QObject *parent = nullptr);
+    ~PluginHost() override; ///< shuts down
+
+    /// False when the file is no screen plug-in; see errorString().
+    bool load(const QString &fileName);
+    QString errorString() const { return m_errorString; }
+    PluginInformation information() const { return m_information; }
+
+    /// Hands over directories, stage and screen and initialises the plug-in. Call once, after
+    /// load(). An empty @p logDirectory leaves the plug-in's log off.
+    bool setUp(const StageFile &stage, int screenId, const QString &logDirectory);
+
+    /// Null before setUp() and after the plug-in has gone. The plug-in owns it.
+    Kora::KrPluginGraphicsItem *panel() const;
+    /// Null likewise, and when the plug-in has no settings dialogs. The plug-in owns it.
+    Kora::KrPluginGuiInterface *gui() const;
+
+    bool start();
+    bool stop();
+    bool pause();
+    bool reload();
+
+    /// Stops a running plug-in and lets events pass until it says so. Does nothing otherwise.
+    void finish();
+    /// Finishes and deletes the plug-in together with its panel: take that off its scene first.
+    void shutDown();
+
+    int status() const; ///< the plug-in's code; 0 without a plug-in
+    static QString statusText(int status);
+
+signals:
+    void contentStarted(int seqIndex);
+    /// One of the other content signals; @p time is null but for "contentTimeout".
+    void contentSignalReceived(const QString &signalName, int seqIndex, const QTime &time);
+    void logMessageThrown(const QString &message, int logDivision);
+    void statusChanged(int status);
+    void called(const QString &operation, bool result); ///< a lifecycle operation has returned
+
+private slots:
+    void onContentPaused(int seqIndex);
+    void onContentStopped(int seqIndex);
+    void onContentFinished(int seqIndex);
+    void onContentHeadTransFinished(int seqIndex);
+    void onContentTailTransStarted(int seqIndex);
+    void onContentTimeout(int seqIndex, const QTime &time);
+    void updateStatus();
+
+private:
+    Kora::KrPluginExtScreenInterface *plugin() const; // null when the plug-in has gone
+    void readInformation();
+    bool connectSignals();
+    bool call(const QString &operation, bool (Kora::KrPluginExtScreenInterface::*function)());
+
+    QPluginLoader m_loader;
+    QPointer<QObject> m_object; // owned, but somebody else may delete it first
+    Kora::KrPluginExtScreenInterface *m_plugin = nullptr; // the same object
+    Kora::KrPluginGraphicsItem *m_panel = nullptr; // the plug-in's
+    Kora::KrPluginGuiInterface *m_gui = nullptr; // the plug-in's
+    PluginInformation m_information;
+    QString m_errorString;
+    QTimer m_statusTimer;
+    int m_status = 0; // last one announced
+};
+
+} // namespace Player

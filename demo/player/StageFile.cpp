@@ -1,0 +1,349 @@
+#include "StageFile.h"
+
+#include "host/KrPluginKeys.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonParseError>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace Player {
+
+namespace {
+
+namespace Keys = Kora::Keys;
+
+const QString Title = QStringLiteral("title");
+const QString Screen = QStringLiteral("screen");
+const QString Screens = QStringLiteral("screens");
+const QString Event = QStringLiteral("event");
+const QString Params = QStringLiteral("params");
+const QString Card = QStringLiteral("card");
+const QString Subtitle = QStringLiteral("subtitle");
+const QString Color = QStringLiteral("color");
+const QString Picture = QStringLiteral("picture");
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Player::StageFile", text);
+}
+
+std::optional<int> toInteger(const QJsonValue &value)
+{
+    const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
+    if (!(number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max())
+        || std::floor(number) != number)
+        return std::nullopt;
+    return static_cast<int>(number);
+}
+
+QString inList(const QString &path, const QString &key, int position)
+{
+    return QStringLiteral("%1%2[%3]").arg(path, key, QString::number(position));
+}
+
+// The checks return "key: reason", or an empty text when there is nothing to object to.
+
+QString complaint(const QString &key, const QString &reason)
+{
+    return key + QLatin1String(": ") + reason;
+}
+
+QString checkType(
+    const QJsonObject &object, const QString &path, const QString &key, QJsonValue::Type type)
+{
+    const QJsonValue value = object.value(key);
+    if (value.isUndefined() || value.type() == type)
+        return {};
+    switch (type) {
+    case QJsonValue::Object:
+        return complaint(path + key, tr("must be an object"));
+    case QJsonValue::Array:
+        return complaint(path + key, tr("must be a list"));
+    default:
+        return complaint(path + key, tr("must be a text"));
+    }
+}
+
+QString checkCard(const QJsonObject &card, const QString &path)
+{
+    for (const QString &key : {Title, Subtitle, Color, Picture}) {
+        QString error = checkType(card, path, key, QJsonValue::String);
+        if (!error.isEmpty())
+            return error;
+    }
+    const QString color = card.value(Color).toString();
+    if (!color.isEmpty() && !QColor::isValidColor(color))
+        return complaint(path + Color, tr("\"%1\" is not a colour").arg(color));
+    return {};
+}
+
+QString checkContent(const QJsonValue &value, const QString &path)
+{
+    if (!value.isObject())
+        return complaint(path, tr("must be an object"));
+    const QJsonObject content = value.toObject();
+    const QString inner = path + QLatin1Char('.');
+    if (!content.contains(Params))
+        return complaint(inner + Params, tr("is missing"));
+    QString error = checkType(content, inner, Params, QJsonValue::Object);
+    if (error.isEmpty())
+        error = checkType(content, inner, Keys::Name, QJsonValue::String);
+    if (error.isEmpty())
+        error = checkType(content, inner, Card, QJsonValue::Object);
+    if (error.isEmpty())
+        error = checkCard(content.value(Card).toObject(), inner + Card + QLatin1Char('.'));
+    return error;
+}
+
+QString checkScreen(const QJsonValue &value, const QString &path)
+{
+    if (!value.isObject())
+        return complaint(path, tr("must be an object"));
+    const QJsonObject screen = value.toObject();
+    const QString inner = path + QLatin1Char('.');
+    if (!screen.contains(Keys::Id))
+        return complaint(inner + Keys::Id, tr("is missing"));
+    if (!toInteger(screen.value(Keys::Id)))
+        return complaint(inner + Keys::Id, tr("must be a whole number"));
+
+    QString error = checkType(screen, inner, Keys::Name, QJsonValue::String);
+    if (error.isEmpty())
+        error = checkType(screen, inner, Keys::PluginData, QJsonValue::Object);
+    if (error.isEmpty())
+        error = checkType(screen, inner, Keys::Contents, QJsonValue::Array);
+    if (error.isEmpty())
+        error = checkType(screen, inner, Event, QJsonValue::Array);
+
+    const QJsonArray contents = screen.value(Keys::Contents).toArray();
+    for (int i = 0; i < contents.size() && error.isEmpty(); ++i)
+        error = checkContent(contents.at(i), inList(inner, Keys::Contents, i));
+
+    const QJsonArray events = screen.value(Event).toArray();
+    for (int i = 0; i < events.size() && error.isEmpty(); ++i) {
+        if (!events.at(i).isObject())
+            error = complaint(inList(inner, Event, i), tr("must be an object"));
+    }
+    return error;
+}
+
+QString checkStage(const QJsonObject &stage)
+{
+    QString error = checkType(stage, QString(), Title, QJsonValue::String);
+    if (!error.isEmpty())
+        return error;
+    if (!stage.contains(Screens))
+        return complaint(Screens, tr("is missing"));
+    error = checkType(stage, QString(), Screens, QJsonValue::Array);
+    if (!error.isEmpty())
+        return error;
+
+    const QJsonArray screens = stage.value(Screens).toArray();
+    if (screens.isEmpty())
+        return complaint(Screens, tr("must hold at least one screen"));
+    QMap<int, QString> owners;
+    for (int i = 0; i < screens.size(); ++i) {
+        const QString path = inList(QString(), Screens, i);
+        error = checkScreen(screens.at(i), path);
+        if (!error.isEmpty())
+            return error;
+        const int id = *toInteger(screens.at(i).toObject().value(Keys::Id));
+        if (owners.contains(id)) {
+            return complaint(path + QLatin1Char('.') + Keys::Id,
+                tr("%1 already belongs to %2").arg(QString::number(id), owners.value(id)));
+        }
+        owners.insert(id, path);
+    }
+
+    if (stage.contains(Screen)) {
+        const std::optional<int> id = toInteger(stage.value(Screen));
+        if (!id)
+            return complaint(Screen, tr("must be a whole number"));
+        if (!owners.contains(*id))
+            return complaint(Screen, tr("there is no screen %1").arg(*id));
+    }
+    return {};
+}
+
+QString describe(const QByteArray &json, const QJsonParseError &error)
+{
+    const QByteArray before = json.left(error.offset);
+    const int line = before.count('\n') + 1;
+    const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    return QStringLiteral("%1:%2: %3")
+        .arg(QString::number(line), QString::number(column), error.errorString());
+}
+
+QColor defaultColor(int number)
+{
+    static const std::array<QColor, 8> colors{QColor(0xc2, 0x41, 0x5c), QColor(0x2f, 0x6f, 0xb5),
+        QColor(0xd0, 0x7a, 0x1f), QColor(0x2b, 0x8a, 0x5a), QColor(0x7a, 0x4f, 0xb0),
+        QColor(0x1d, 0x8a, 0x99), QColor(0xa8, 0x3f, 0x8b), QColor(0x5d, 0x72, 0x2f)};
+    return colors.at(static_cast<size_t>(number - 1) % colors.size());
+}
+
+} // namespace
+
+std::optional<StageFile> StageFile::read(const QString &fileName, QString *error)
+{
+    QFile file(fileName);
+    // A pipe of that name would block the open for ever.
+    if (file.exists() && !QFileInfo(fileName).isFile()) {
+        *error = complaint(fileName, tr("is not a file"));
+        return std::nullopt;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = complaint(fileName, file.errorString());
+        return std::nullopt;
+    }
+    return fromJson(file.readAll(), fileName, error);
+}
+
+std::optional<StageFile> StageFile::fromJson(
+    const QByteArray &json, const QString &fileName, QString *error)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        *error = fileName + QLatin1Char(':') + describe(json, parseError);
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        *error = complaint(fileName, tr("must hold an object"));
+        return std::nullopt;
+    }
+    const QString objection = checkStage(document.object());
+    if (!objection.isEmpty()) {
+        *error = complaint(fileName, objection);
+        return std::nullopt;
+    }
+    StageFile stage;
+    stage.m_fileName = fileName;
+    stage.m_document = document.object();
+    return stage;
+}
+
+QByteArray StageFile::toJson() const
+{
+    return QJsonDocument(m_document).toJson();
+}
+
+QString StageFile::title() const
+{
+    const QString title = m_document.value(Title).toString();
+    return title.isEmpty() ? QFileInfo(m_fileName).completeBaseName() : title;
+}
+
+QList<int> StageFile::screenIds() const
+{
+    QList<int> ids;
+    const QJsonArray screens = m_document.value(Screens).toArray();
+    for (const QJsonValue &value : screens)
+        ids << value.toObject().value(Keys::Id).toInt();
+    return ids;
+}
+
+bool StageFile::hasScreen(int screenId) const
+{
+    return screenIds().contains(screenId);
+}
+
+int StageFile::defaultScreenId() const
+{
+    if (m_document.contains(Screen))
+        return m_document.value(Screen).toInt();
+    const QList<int> ids = screenIds();
+    for (const int id : ids) {
+        if (!screen(id).value(Keys::Contents).toArray().isEmpty())
+            return id;
+    }
+    return ids.value(0);
+}
+
+QString StageFile::screenName(int screenId) const
+{
+    return screen(screenId).value(Keys::Name).toString();
+}
+
+QMap<int, QVariantMap> StageFile::screens() const
+{
+    QMap<int, QVariantMap> screens;
+    const QJsonArray list = m_document.value(Screens).toArray();
+    for (const QJsonValue &value : list) {
+        const QJsonObject screen = value.toObject();
+        screens.insert(screen.value(Keys::Id).toInt(), screen.toVariantMap());
+    }
+    return screens;
+}
+
+QVariantMap StageFile::screenParameters(int screenId) const
+{
+    const QVariantMap screen = this->screen(screenId).toVariantMap();
+    QVariantMap parameters;
+    for (const QString &key : {Keys::Id, Keys::PluginData, Keys::Contents}) {
+        if (screen.contains(key))
+            parameters.insert(key, screen.value(key));
+    }
+    return parameters;
+}
+
+void StageFile::setScreenParameters(int screenId, const QVariantMap &parameters)
+{
+    QJsonArray screens = m_document.value(Screens).toArray();
+    for (int i = 0; i < screens.size(); ++i) {
+        QJsonObject screen = screens.at(i).toObject();
+        if (screen.value(Keys::Id).toInt() != screenId)
+            continue;
+        for (auto it = parameters.cbegin(); it != parameters.cend(); ++it) {
+            if (it.key() != Keys::Id)
+                screen.insert(it.key(), QJsonValue::fromVariant(it.value()));
+        }
+        screens.replace(i, screen);
+    }
+    m_document.insert(Screens, screens);
+}
+
+QVector<StageContent> StageFile::contents(int screenId) const
+{
+    QVector<StageContent> contents;
+    const QDir directory = QFileInfo(m_fileName).absoluteDir();
+    const QJsonArray entries = screen(screenId).value(Keys::Contents).toArray();
+    for (const QJsonValue &value : entries) {
+        const QJsonObject entry = value.toObject();
+        const QJsonObject card = entry.value(Card).toObject();
+        StageContent content;
+        content.number = contents.size() + 1;
+        content.name = entry.value(Keys::Name).toString();
+        if (content.name.isEmpty())
+            content.name = entry.value(Params).toObject().value(Keys::Name).toString();
+        content.title = card.value(Title).toString(content.name);
+        content.subtitle = card.value(Subtitle).toString();
+        content.color = QColor(card.value(Color).toString());
+        if (!content.color.isValid())
+            content.color = defaultColor(content.number);
+        const QString picture = card.value(Picture).toString();
+        if (!picture.isEmpty())
+            content.picture = directory.absoluteFilePath(picture);
+        contents << content;
+    }
+    return contents;
+}
+
+QJsonObject StageFile::screen(int screenId) const
+{
+    const QJsonArray screens = m_document.value(Screens).toArray();
+    for (const QJsonValue &value : screens) {
+        if (value.toObject().value(Keys::Id).toInt() == screenId)
+            return value.toObject();
+    }
+    return {};
+}
+
+} // namespace Player

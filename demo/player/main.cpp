@@ -1,0 +1,184 @@
+#include "MainWindow.h"
+#include "Options.h"
+#include "StagePlayer.h"
+#include "TerminationNotifier.h"
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QTextStream>
+#include <QThread>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+using namespace Player;
+
+namespace {
+
+constexpr int SettleTimeout = 2000; // ms
+
+enum ExitStatus { Success, RunFailure, BadInput };
+
+QTextStream &out()
+{
+    static QTextStream stream(stdout);
+    stream.setCodec("UTF-8");
+    return stream;
+}
+
+int fail(ExitStatus status, const QString &message)
+{
+    QTextStream error(stderr);
+    error.setCodec("UTF-8");
+    error << QCoreApplication::applicationName() << QLatin1String(": ") << message
+          << QLatin1Char('\n');
+    return status;
+}
+
+/// All that is known before there is anything to show.
+struct Order
+{
+    std::optional<int> exitStatus; // the program has nothing more to do
+    Options options;
+    StageFile stage;
+    int screenId = 0;
+};
+
+Order refuse(const QString &message)
+{
+    Order order;
+    order.exitStatus = fail(BadInput, message);
+    return order;
+}
+
+Order takeOrder(const Options &options)
+{
+    Order order;
+    order.options = options;
+    switch (options.request) {
+    case Options::ShowHelp:
+        out() << Options::helpText();
+        order.exitStatus = Success;
+        return order;
+    case Options::ShowVersion:
+        out() << QCoreApplication::applicationName() << QLatin1Char(' ')
+              << QCoreApplication::applicationVersion() << QLatin1Char('\n');
+        order.exitStatus = Success;
+        return order;
+    case Options::Refuse:
+        return refuse(options.error);
+    case Options::Run:
+        break;
+    }
+    for (const QString &file : {options.replayFile, options.scenarioFile}) {
+        if (!file.isEmpty() && !QFileInfo(file).isFile())
+            return refuse(QStringLiteral("%1: no such file").arg(file));
+    }
+    QString error;
+    const std::optional<StageFile> stage = StageFile::read(options.stageFile, &error);
+    if (!stage)
+        return refuse(error);
+    order.stage = *stage;
+    order.screenId = options.screenId.value_or(stage->defaultScreenId());
+    if (!stage->hasScreen(order.screenId)) {
+        return refuse(QStringLiteral("%1: there is no screen %2")
+                          .arg(options.stageFile, QString::number(order.screenId)));
+    }
+    return order;
+}
+
+/// The simulator is started by the plug-in with fixed arguments, so it is told by environment.
+void tellSimulator(const Options &options)
+{
+    if (options.replayFile.isEmpty() && options.scenarioFile.isEmpty())
+        return;
+    qunsetenv("KRHVC_REPLAY");
+    qunsetenv("KRHVC_SCENARIO");
+    if (!options.replayFile.isEmpty())
+        qputenv("KRHVC_REPLAY", QFile::encodeName(options.replayFile));
+    else
+        qputenv("KRHVC_SCENARIO", QFile::encodeName(options.scenarioFile));
+}
+
+bool saveScreenshot(StagePlayer &player, MainWindow *window, const QString &fileName)
+{
+    // A picture of a message half way over another one would be hard to read.
+    const QDeadlineTimer deadline(SettleTimeout);
+    while (player.scene().isMoving() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents();
+        QThread::msleep(5);
+    }
+    return window ? window->grab().save(fileName) : player.scene().toImage().save(fileName);
+}
+
+int play(const Order &order)
+{
+    const Options &options = order.options;
+    tellSimulator(options);
+    StagePlayer player(order.stage, order.screenId);
+    if (!player.loadPlugin(options.pluginFile)) {
+        return fail(RunFailure,
+            QStringLiteral("%1: %2").arg(options.pluginFile, player.host().errorString()));
+    }
+
+    std::unique_ptr<MainWindow> window;
+    if (options.headless) {
+        QObject::connect(&player.log(), &EventLog::appended, [](const PlayerEvent &event) {
+            out() << event.line() << QLatin1Char('\n');
+            out().flush();
+        });
+    } else {
+        MainWindow::applyTheme();
+        window = std::make_unique<MainWindow>(&player);
+        window->show();
+    }
+
+    const TerminationNotifier termination;
+    QObject::connect(&termination, &TerminationNotifier::requested, qApp, &QCoreApplication::quit);
+    if (options.milliseconds)
+        QTimer::singleShot(*options.milliseconds, qApp, &QCoreApplication::quit);
+    QTimer::singleShot(0, &player, [&] {
+        player.begin(options.logDirectory);
+        if (window)
+            window->showPluginInformation();
+    });
+    const int result = QApplication::exec();
+
+    if (!options.screenshotFile.isEmpty()
+        && !saveScreenshot(player, window.get(), options.screenshotFile)) {
+        return fail(RunFailure,
+            QStringLiteral("%1: the screenshot cannot be written").arg(options.screenshotFile));
+    }
+    player.end();
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setApplicationName(QStringLiteral("KrStagePlayer"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KRHVC_VERSION));
+
+    // Before there is a GUI: help and complaints need no display, the platform has to be chosen,
+    // and QApplication would take "--plugin" for an option of its own.
+    Order order;
+    {
+        const QCoreApplication application(argc, argv);
+        order = takeOrder(Options::fromArguments(
+            QCoreApplication::arguments(), QCoreApplication::applicationDirPath()));
+    }
+    if (order.exitStatus)
+        return *order.exitStatus;
+
+    if (order.options.headless)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    int guiArgc = 1;
+    const QApplication application(guiArgc, argv);
+    return play(order);
+}
