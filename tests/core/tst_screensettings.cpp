@@ -1,0 +1,364 @@
+#include "core/ScreenSettings.h"
+
+#include <QXmlStreamWriter>
+#include <QtTest>
+
+#include <limits>
+
+using namespace PluginKrHvcP2;
+
+namespace {
+
+/// The map of an object that nobody has changed, with @p key set to @p value.
+QVariantMap defaultsWith(const QString &key, const QVariant &value)
+{
+    QVariantMap map{
+        {QStringLiteral("display-monitoring"), false},
+        {QStringLiteral("interval"), 500},
+        {QStringLiteral("face-detection-confidence"), 0},
+        {QStringLiteral("face-direction-confidence"), 0},
+        {QStringLiteral("age-confidence"), 0},
+        {QStringLiteral("gender-confidence"), 0},
+        {QStringLiteral("concurrent"), 1},
+        {QStringLiteral("event-sending-limit"), 5000},
+    };
+    if (!key.isEmpty())
+        map.insert(key, value);
+    return map;
+}
+
+QVariantMap defaults()
+{
+    return defaultsWith(QString(), QVariant());
+}
+
+/// Every setting different from its default.
+ScreenSettings changedSettings()
+{
+    ScreenSettings settings;
+    settings.displayMonitoring = true;
+    settings.interval = 2;
+    settings.faceDetectionConfidence = 3;
+    settings.faceDirectionConfidence = 4;
+    settings.ageConfidence = 5;
+    settings.genderConfidence = 6;
+    settings.concurrent = 7;
+    settings.eventSendingLimit = 8;
+    return settings;
+}
+
+QString xml(const ScreenSettings &settings)
+{
+    QString text;
+    QXmlStreamWriter writer(&text);
+    settings.writeXml(writer);
+    return text;
+}
+
+} // namespace
+
+class tst_ScreenSettings : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void trueText_data();
+    void trueText();
+    void map();
+    void update_data();
+    void update();
+    void updateKeepsWhatIsRefused();
+    void updateIsIdempotent();
+    void stored_data();
+    void stored();
+    void newScreen();
+    void writeXml_data();
+    void writeXml();
+    void writeXmlNests();
+};
+
+void tst_ScreenSettings::trueText_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("expected");
+
+    QTest::newRow("the word") << QVariant(QStringLiteral("true")) << true;
+    QTest::newRow("the word in upper case") << QVariant(QStringLiteral("TRUE")) << true;
+    QTest::newRow("the word in mixed case") << QVariant(QStringLiteral("tRuE")) << true;
+    QTest::newRow("the bool") << QVariant(true) << true;
+    QTest::newRow("the word as bytes") << QVariant(QByteArray("True")) << true;
+    QTest::newRow("the bool false") << QVariant(false) << false;
+    QTest::newRow("the word false") << QVariant(QStringLiteral("false")) << false;
+    QTest::newRow("the word yes") << QVariant(QStringLiteral("yes")) << false;
+    QTest::newRow("the integer 1") << QVariant(1) << false;
+    QTest::newRow("the text 1") << QVariant(QStringLiteral("1")) << false;
+    QTest::newRow("a blank behind the word") << QVariant(QStringLiteral("true ")) << false;
+    QTest::newRow("nothing") << QVariant() << false;
+    QTest::newRow("a list with the word")
+        << QVariant(QVariantList{QStringLiteral("true"), 1}) << false;
+    QTest::newRow("a map") << QVariant(QVariantMap{{QStringLiteral("true"), true}}) << false;
+}
+
+void tst_ScreenSettings::trueText()
+{
+    QFETCH(QVariant, value);
+    QFETCH(bool, expected);
+    QCOMPARE(isTrueText(value), expected);
+}
+
+void tst_ScreenSettings::map()
+{
+    QCOMPARE(ScreenSettings().toMap(), defaults());
+
+    const QVariantMap map = changedSettings().toMap();
+    const QVariantMap expected{
+        {QStringLiteral("display-monitoring"), true},
+        {QStringLiteral("interval"), 2},
+        {QStringLiteral("face-detection-confidence"), 3},
+        {QStringLiteral("face-direction-confidence"), 4},
+        {QStringLiteral("age-confidence"), 5},
+        {QStringLiteral("gender-confidence"), 6},
+        {QStringLiteral("concurrent"), 7},
+        {QStringLiteral("event-sending-limit"), 8},
+    };
+    QCOMPARE(map, expected);
+    for (auto it = map.cbegin(); it != map.cend(); ++it) {
+        const bool isSwitch = it.key() == QLatin1String("display-monitoring");
+        QCOMPARE(int(it->type()), int(isSwitch ? QMetaType::Bool : QMetaType::Int));
+    }
+}
+
+void tst_ScreenSettings::update_data()
+{
+    QTest::addColumn<QVariantMap>("params");
+    QTest::addColumn<QVariantMap>("expected");
+
+    const auto row = [](const char *name, const char *key, const QVariant &value,
+                         const char *changedKey, const QVariant &changed) {
+        QTest::newRow(name) << QVariantMap{{QString::fromLatin1(key), value}}
+                            << defaultsWith(QString::fromLatin1(changedKey), changed);
+    };
+    const auto accepted = [&](const char *name, const char *key, const QVariant &value, int read) {
+        row(name, key, value, key, read);
+    };
+    const auto refused = [&](const char *name, const char *key, const QVariant &value) {
+        row(name, key, value, "", {});
+    };
+
+    QTest::newRow("an empty map changes nothing") << QVariantMap() << defaults();
+    refused("an unknown key is ignored", "intervals", 7);
+    refused("a key with a blank is unknown", "interval ", 7);
+    refused("the key of the element is no setting", "plugindata",
+        QVariantMap{{QStringLiteral("interval"), 7}});
+
+    accepted("interval at its lower end", "interval", 0, 0);
+    accepted("interval at its upper end", "interval", 60000, 60000);
+    refused("interval above its range", "interval", 60001);
+    refused("interval below its range", "interval", -1);
+    refused("interval far below its range", "interval", std::numeric_limits<int>::min());
+    refused("interval as letters", "interval", QStringLiteral("abc"));
+    refused("interval as the empty text", "interval", QString());
+    refused("interval as nothing", "interval", QVariant());
+    refused("interval as a list", "interval", QVariantList{7});
+    refused("interval with letters behind it", "interval", QStringLiteral("7ms"));
+    accepted("interval as text", "interval", QStringLiteral("2000"), 2000);
+    accepted("interval as a number with a fraction is rounded", "interval", 1999.6, 2000);
+    row("a capital in the key", "Interval", 2000, "interval", 2000);
+    row("a key in capitals", "INTERVAL", 2000, "interval", 2000);
+    // Values beyond 32 bits wrap as QVariant converts them, and pass when they come out in range.
+    accepted("interval beyond 32 bits wraps", "interval", QVariant(Q_INT64_C(4294967301)), 5);
+    accepted("interval as text beyond 32 bits wraps", "interval", QStringLiteral("4294967301"), 5);
+
+    for (const char *key : {"face-detection-confidence", "face-direction-confidence",
+             "age-confidence", "gender-confidence"}) {
+        const auto name = [&](const char *text) -> QByteArray { return QByteArray(key) + text; };
+        accepted(name(" 0 is accepted"), key, QStringLiteral("0"), 0);
+        accepted(name(" 1 is accepted"), key, 1, 1);
+        accepted(name(" 1000 is accepted"), key, 1000, 1000);
+        refused(name(" 1001 is refused"), key, 1001);
+        refused(name(" -1 is refused"), key, -1);
+        refused(name(" as letters is refused"), key, QStringLiteral("high"));
+    }
+
+    refused("concurrent 0 is refused", "concurrent", 0);
+    refused("concurrent 21 is refused", "concurrent", 21);
+    refused("concurrent -1 is refused", "concurrent", -1);
+    refused("concurrent as letters is refused", "concurrent", QStringLiteral("all"));
+    accepted("concurrent 1 is accepted", "concurrent", 1, 1);
+    accepted("concurrent 2 is accepted", "concurrent", 2, 2);
+    accepted("concurrent 20 is accepted", "concurrent", 20, 20);
+
+    accepted("a restriction time of 0 is accepted", "event-sending-limit", 0, 0);
+    accepted("a day is accepted", "event-sending-limit", 86400000, 86400000);
+    accepted("there is no upper bound", "event-sending-limit", std::numeric_limits<int>::max(),
+        std::numeric_limits<int>::max());
+    refused("a restriction time of -1 is refused", "event-sending-limit", -1);
+    refused("the lowest restriction time is refused", "event-sending-limit",
+        std::numeric_limits<int>::min());
+    refused(
+        "a restriction time as letters is refused", "event-sending-limit", QStringLiteral("5s"));
+
+    row("the panel is shown for TRUE", "display-monitoring", QStringLiteral("TRUE"),
+        "display-monitoring", true);
+    row("the panel is shown for the bool", "display-monitoring", true, "display-monitoring", true);
+    row("the key of the panel in capitals", "Display-Monitoring", QStringLiteral("true"),
+        "display-monitoring", true);
+
+    QTest::newRow("all settings at once") << changedSettings().toMap() << changedSettings().toMap();
+    QTest::newRow("of one key in two letter cases the later in order wins")
+        << QVariantMap{{QStringLiteral("INTERVAL"), 10}, {QStringLiteral("interval"), 20}}
+        << defaultsWith(QStringLiteral("interval"), 20);
+    QTest::newRow("of one key in two letter cases the accepted one stays")
+        << QVariantMap{{QStringLiteral("INTERVAL"), 10}, {QStringLiteral("interval"), -1}}
+        << defaultsWith(QStringLiteral("interval"), 10);
+    QTest::newRow("a refused value does not keep others out")
+        << QVariantMap{{QStringLiteral("age-confidence"), -1}, {QStringLiteral("interval"), 20}}
+        << defaultsWith(QStringLiteral("interval"), 20);
+}
+
+void tst_ScreenSettings::update()
+{
+    QFETCH(QVariantMap, params);
+    QFETCH(QVariantMap, expected);
+    ScreenSettings settings;
+    settings.update(params);
+    QCOMPARE(settings.toMap(), expected);
+}
+
+void tst_ScreenSettings::updateKeepsWhatIsRefused()
+{
+    ScreenSettings settings = changedSettings();
+    settings.update({
+        {QStringLiteral("interval"), 60001},
+        {QStringLiteral("face-detection-confidence"), 1001},
+        {QStringLiteral("face-direction-confidence"), -1},
+        {QStringLiteral("age-confidence"), QStringLiteral("x")},
+        {QStringLiteral("gender-confidence"), QVariant()},
+        {QStringLiteral("concurrent"), 0},
+        {QStringLiteral("event-sending-limit"), -1},
+    });
+    QCOMPARE(settings.toMap(), changedSettings().toMap());
+
+    // The switch alone knows no refusal: whatever is not "true" turns it off.
+    settings.update({{QStringLiteral("display-monitoring"), QStringLiteral("yes")}});
+    QCOMPARE(settings.displayMonitoring, false);
+    settings.displayMonitoring = true;
+    settings.update({{QStringLiteral("display-monitoring"), 1}});
+    QCOMPARE(settings.displayMonitoring, false);
+}
+
+void tst_ScreenSettings::updateIsIdempotent()
+{
+    ScreenSettings settings = changedSettings();
+    settings.update(settings.toMap());
+    QCOMPARE(settings.toMap(), changedSettings().toMap());
+}
+
+void tst_ScreenSettings::stored_data()
+{
+    QTest::addColumn<QVariantMap>("stored");
+    QTest::addColumn<QVariantMap>("expected");
+
+    const auto row = [](const char *name, const char *key, const QVariant &value,
+                         const char *changedKey, const QVariant &changed) {
+        QTest::newRow(name) << QVariantMap{{QString::fromLatin1(key), value}}
+                            << defaultsWith(QString::fromLatin1(changedKey), changed);
+    };
+
+    QTest::newRow("missing keys give the defaults") << QVariantMap() << defaults();
+    QTest::newRow("all settings at once") << changedSettings().toMap() << changedSettings().toMap();
+    row("interval above the accepted range", "interval", 360000, "interval", 360000);
+    row("interval below the accepted range", "interval", -1, "interval", -1);
+    row("interval as letters reads as 0", "interval", QStringLiteral("abc"), "interval", 0);
+    row("interval as text", "interval", QStringLiteral("250"), "interval", 250);
+    row("interval as nothing reads as 0", "interval", QVariant(), "interval", 0);
+    row("a key in capitals is missing", "Interval", 250, "", {});
+    row("concurrent as letters reads as 0", "concurrent", QStringLiteral("x"), "concurrent", 0);
+    row("concurrent above the accepted range", "concurrent", 21, "concurrent", 21);
+    row("a confidence above the accepted range", "age-confidence", 1001, "age-confidence", 1001);
+    row("a negative confidence", "gender-confidence", -5, "gender-confidence", -5);
+    row("a negative restriction time", "event-sending-limit", -1, "event-sending-limit", -1);
+    row("the panel is shown for True", "display-monitoring", QStringLiteral("True"),
+        "display-monitoring", true);
+    row("the panel is shown for the bool", "display-monitoring", true, "display-monitoring", true);
+    row("the panel is hidden for the number 1", "display-monitoring", 1, "", {});
+    row("the panel is hidden for nothing", "display-monitoring", QVariant(), "", {});
+    row("other keys are ignored", "contents", QVariantList{1}, "", {});
+}
+
+void tst_ScreenSettings::stored()
+{
+    QFETCH(QVariantMap, stored);
+    QFETCH(QVariantMap, expected);
+    QCOMPARE(ScreenSettings::fromStored(stored).toMap(), expected);
+}
+
+void tst_ScreenSettings::newScreen()
+{
+    const QVariantMap expected{
+        {QStringLiteral("display-monitoring"), false},
+        {QStringLiteral("interval"), 1000},
+        {QStringLiteral("face-detection-confidence"), 0},
+        {QStringLiteral("face-direction-confidence"), 0},
+        {QStringLiteral("age-confidence"), 0},
+        {QStringLiteral("gender-confidence"), 0},
+        {QStringLiteral("concurrent"), 1},
+    };
+    const QVariantMap map = ScreenSettings::newScreenMap();
+    QCOMPARE(map, expected);
+    QCOMPARE(int(map.value(QStringLiteral("display-monitoring")).type()), int(QMetaType::Bool));
+    QCOMPARE(int(map.value(QStringLiteral("interval")).type()), int(QMetaType::Int));
+}
+
+void tst_ScreenSettings::writeXml_data()
+{
+    QTest::addColumn<QVariantMap>("params");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("after construction")
+        << QVariantMap()
+        << QStringLiteral("<plugindata display-monitoring=\"false\" interval=\"500\""
+                          " face-detection-confidence=\"0\" face-direction-confidence=\"0\""
+                          " age-confidence=\"0\" gender-confidence=\"0\" concurrent=\"1\""
+                          " event-sending-limit=\"5000\"/>");
+    QTest::newRow("every setting changed")
+        << changedSettings().toMap()
+        << QStringLiteral("<plugindata display-monitoring=\"true\" interval=\"2\""
+                          " face-detection-confidence=\"3\" face-direction-confidence=\"4\""
+                          " age-confidence=\"5\" gender-confidence=\"6\" concurrent=\"7\""
+                          " event-sending-limit=\"8\"/>");
+    QTest::newRow("large numbers have no group separators")
+        << QVariantMap{{QStringLiteral("interval"), 60000},
+               {QStringLiteral("event-sending-limit"), std::numeric_limits<int>::max()}}
+        << QStringLiteral("<plugindata display-monitoring=\"false\" interval=\"60000\""
+                          " face-detection-confidence=\"0\" face-direction-confidence=\"0\""
+                          " age-confidence=\"0\" gender-confidence=\"0\" concurrent=\"1\""
+                          " event-sending-limit=\"2147483647\"/>");
+}
+
+void tst_ScreenSettings::writeXml()
+{
+    QFETCH(QVariantMap, params);
+    QFETCH(QString, expected);
+    ScreenSettings settings;
+    settings.update(params);
+    QCOMPARE(xml(settings), expected);
+}
+
+void tst_ScreenSettings::writeXmlNests()
+{
+    // The element is closed, so that the caller's own elements go on around it.
+    QString text;
+    QXmlStreamWriter writer(&text);
+    writer.writeStartElement(QStringLiteral("screen"));
+    ScreenSettings().writeXml(writer);
+    writer.writeEmptyElement(QStringLiteral("next"));
+    writer.writeEndElement();
+    const QString expected
+        = QStringLiteral("<screen>") + xml(ScreenSettings()) + QStringLiteral("<next/></screen>");
+    QCOMPARE(text, expected);
+}
+
+QTEST_GUILESS_MAIN(tst_ScreenSettings)
+
+#include "tst_screensettings.moc"

@@ -1,0 +1,122 @@
+#include "detection/SendRestriction.h"
+
+#include <QtTest>
+
+#include <limits>
+
+using namespace PluginKrHvcP2;
+
+namespace {
+
+struct Request
+{
+    qint64 atMs;
+    QList<int> identifiers;
+    int limitMs;
+};
+
+using Requests = QVector<Request>;
+
+QDateTime start()
+{
+    return {QDate(2018, 2, 1), QTime(9, 30), Qt::UTC};
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Requests)
+
+class tst_SendRestriction : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void admit_data();
+    void admit();
+    void separateObjects();
+    void timeZoneDoesNotMatter();
+};
+
+void tst_SendRestriction::admit_data()
+{
+    QTest::addColumn<Requests>("requests");
+    QTest::addColumn<QString>("expected"); // '+' admitted, '-' restricted
+
+    const auto row = [](const char *name, const Requests &requests, const char *expected) {
+        QTest::newRow(name) << requests << QString::fromLatin1(expected);
+    };
+    constexpr int Limit = 5000;
+    constexpr int NoLimit = 0;
+    constexpr int Hour = 3600000;
+
+    row("the first request", {{0, {2}, Limit}}, "+");
+    row("again at once", {{0, {2}, Limit}, {0, {2}, Limit}}, "+-");
+    row("one millisecond too early", {{0, {2}, Limit}, {4999, {2}, Limit}}, "+-");
+    row("exactly at the limit", {{0, {2}, Limit}, {5000, {2}, Limit}}, "++");
+    row("later than the limit", {{0, {2}, Limit}, {5001, {2}, Limit}}, "++");
+    row("a limit of 0 never restricts", {{0, {2}, NoLimit}, {0, {2}, NoLimit}}, "++");
+    row("a refused request does not renew the time",
+        {{0, {2}, Limit}, {4999, {2}, Limit}, {5000, {2}, Limit}}, "+-+");
+    row("an admitted request renews the time",
+        {{0, {2}, Limit}, {5000, {2}, Limit}, {9999, {2}, Limit}, {10000, {2}, Limit}}, "++-+");
+    row("other identifiers do not restrict", {{0, {2}, Limit}, {0, {3}, Limit}}, "++");
+    row("a shared identifier restricts", {{0, {2, 3}, Limit}, {0, {3, 4}, Limit}}, "+-");
+    row("the free identifiers of a refused request are stamped",
+        {{0, {2}, Limit}, {1000, {2, 3}, Limit}, {5999, {3}, Limit}, {6000, {3}, Limit}}, "+--+");
+    row("free identifiers before and behind the restricted one are stamped",
+        {{0, {5}, Limit}, {1, {4, 5, 6}, Limit}, {2, {4}, Limit}, {2, {6}, Limit}}, "+---");
+    row("expired identifiers of a refused request are stamped anew",
+        {{0, {2}, Limit}, {3000, {3}, Limit}, {6000, {2, 3}, Limit}, {8000, {3}, Limit},
+            {10999, {2}, Limit}, {11000, {2}, Limit}},
+        "++-+-+");
+    row("the limit of the request counts, not that of the stamp",
+        {{0, {2}, Limit}, {10, {2}, 10}, {19, {2}, 10}, {20, {2}, NoLimit}}, "++-+");
+    row("negative and zero identifiers are like others",
+        {{0, {0, -7}, Limit}, {1, {-7}, Limit}, {1, {0}, Limit}, {1, {7}, Limit}}, "+--+");
+    row("no identifiers", {{0, {}, Limit}, {0, {}, Limit}}, "++");
+    row("the longest limit",
+        {{0, {2}, std::numeric_limits<int>::max()},
+            {std::numeric_limits<int>::max() - Q_INT64_C(1), {2}, std::numeric_limits<int>::max()},
+            {std::numeric_limits<int>::max(), {2}, std::numeric_limits<int>::max()}},
+        "+-+");
+    row("a clock that is set back an hour restricts an hour longer",
+        {{Hour, {2}, Limit}, {0, {2}, Limit}, {Limit, {2}, Limit}, {Hour + Limit - 1, {2}, Limit},
+            {Hour + Limit, {2}, Limit}},
+        "+---+");
+}
+
+void tst_SendRestriction::admit()
+{
+    QFETCH(Requests, requests);
+    QFETCH(QString, expected);
+    SendRestriction restriction;
+    QString admitted;
+    for (const Request &request : requests) {
+        const QDateTime now = start().addMSecs(request.atMs);
+        admitted += QLatin1Char(
+            restriction.admit(request.identifiers, now, request.limitMs) ? '+' : '-');
+    }
+    QCOMPARE(admitted, expected);
+}
+
+void tst_SendRestriction::separateObjects()
+{
+    SendRestriction one;
+    SendRestriction other;
+    QVERIFY(one.admit({2}, start(), 5000));
+    QVERIFY(other.admit({2}, start(), 5000));
+    QVERIFY(!one.admit({2}, start(), 5000));
+}
+
+void tst_SendRestriction::timeZoneDoesNotMatter()
+{
+    SendRestriction restriction;
+    QVERIFY(restriction.admit({2}, start(), 5000));
+    // One hour further east, the same instant.
+    QVERIFY(!restriction.admit({2}, start().addMSecs(4999).toOffsetFromUtc(3600), 5000));
+    QVERIFY(restriction.admit({2}, start().addMSecs(5000).toOffsetFromUtc(3600), 5000));
+}
+
+QTEST_GUILESS_MAIN(tst_SendRestriction)
+
+#include "tst_sendrestriction.moc"

@@ -1,0 +1,1069 @@
+#include "log/LogDivision.h"
+#include "log/LogFormat.h"
+#include "log/PluginLogger.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <atomic>
+#include <ctime>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
+using namespace PluginKrHvcP2;
+
+namespace {
+
+constexpr int LongTimeoutMs = 60000; // never reached: what waits for it has failed
+constexpr int ShortTimeoutMs = 200;
+constexpr qint64 AtOnceMs = 10000; // on a machine that is busy with other things, too
+
+const QString LogName = QStringLiteral("plugin_20180201.txt");
+const QString LockName = QStringLiteral("plugin.lock");
+
+bool createFile(const QString &path, const QByteArray &content = QByteArray())
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QString readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+bool setFileTime(const QString &path, const QDateTime &time)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite)
+        && file.setFileTime(time, QFileDevice::FileModificationTime);
+}
+
+QStringList messages(const QString &text)
+{
+    // "2018-02-01 09:30:00 Notice: message"
+    QStringList result;
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString &line : lines) {
+        if (!line.isEmpty())
+            result.append(line.section(QStringLiteral(": "), 1));
+    }
+    return result;
+}
+
+QStringList numbers(int first, int last)
+{
+    QStringList result;
+    for (int number = first; number <= last; ++number)
+        result.append(QString::number(number));
+    return result;
+}
+
+LogSettings settingsFor(const QString &directory)
+{
+    LogSettings settings;
+    settings.directory = directory;
+    return settings;
+}
+
+/// Appends @p count records, as another process or thread would. True when all went through.
+bool writeRecords(PluginLogger &logger, const QString &name, int count)
+{
+    bool ok = true;
+    for (int number = 1; number <= count; ++number) {
+        const QString message = name + QLatin1Char('-') + QString::number(number);
+        ok = logger.write(message, Notice, LongTimeoutMs) && ok;
+    }
+    return ok;
+}
+
+/// The whole life of a process that has no application object. 0 when all went well.
+int runWithoutApplication(const QString &directory)
+{
+    PluginLogger logger;
+    logger.setSettings(settingsFor(directory));
+    if (!logger.write(QStringLiteral("free"), Notice, LongTimeoutMs))
+        return 1;
+    const QString lockPath = QDir(directory).absoluteFilePath(LockName);
+    if (!createFile(lockPath))
+        return 2;
+    if (logger.write(QStringLiteral("locked"), Notice, ShortTimeoutMs))
+        return 3;
+    std::thread other([&] {
+        QThread::msleep(100);
+        QFile::remove(lockPath);
+    });
+    const bool written = logger.write(QStringLiteral("freed"), Notice, LongTimeoutMs);
+    other.join();
+    return written ? 0 : 4;
+}
+
+/// Logs among the static destructors, when the application object is long gone.
+struct LateWriter
+{
+    ~LateWriter()
+    {
+        if (directory.isEmpty())
+            return;
+        PluginLogger &logger = PluginLogger::instance();
+        logger.setSettings(settingsFor(directory));
+        createFile(QDir(directory).absoluteFilePath(LockName));
+        logger.write(QStringLiteral("locked"), Notice, ShortTimeoutMs);
+        QFile::remove(QDir(directory).absoluteFilePath(LockName));
+        logger.write(QStringLiteral("late"), Notice, LongTimeoutMs);
+    }
+
+    QString directory;
+};
+
+LateWriter &lateWriter()
+{
+    static LateWriter writer;
+    return writer;
+}
+
+} // namespace
+
+class tst_PluginLogger : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void levels_data();
+    void levels();
+    void defaults();
+    void oneInstance();
+    void filter_data();
+    void filter();
+    void record_data();
+    void record();
+    void wrappers();
+    void appends();
+    void bytes();
+    void currentDirectory();
+
+    void missingDirectory();
+    void removedDirectory();
+    void fileInPlaceOfDirectory();
+
+    void lockAge_data();
+    void lockAge();
+    void lockAgeIsJudgedOnce();
+    void lockVanishes();
+    void midnightInTheWait();
+    void waitingLetsEventsRun();
+    void noTimeToWait_data();
+    void noTimeToWait();
+
+    void recordsThatArriveInTheWait();
+    void levelOfRecordsThatArriveInTheWait();
+    void recordsAreLostWithTheirWaiter();
+    void boundedNumberOfKeptRecords();
+    void boundedSizeOfKeptRecords();
+
+    void quitInTheWait_data();
+    void quitInTheWait();
+    void otherThreadHoldsTheLogger();
+    void manyThreads();
+    void manyProcesses();
+    void withoutApplication();
+    void staticDestructor();
+
+    void oddLockFile_data();
+    void oddLockFile();
+    void oddLogFile_data();
+    void oddLogFile();
+    void linkedLockFile();
+    void linkedLogFile();
+    void fullDevice();
+
+    void cleanUp_data();
+    void cleanUp();
+    void cleanUpOtherKinds();
+    void cleanUpOnceADay();
+    void cleanUpAfterTheClockWasSetBack();
+    void cleanUpNeedsALock();
+    void filteredRecordsDoNotCleanUp();
+    void defaultDirectoryDoesNotCount();
+
+private:
+    QString path(const QString &name) const { return m_directory->filePath(name); }
+    QString log() const { return readFile(path(LogName)); }
+    QStringList files() const
+    {
+        return QDir(m_directory->path())
+            .entryList(
+                QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    }
+    /// A lock file that another process took @p ageMs milliseconds ago.
+    bool createLock(qint64 ageMs = 0) const
+    {
+        return createFile(path(LockName)) && setFileTime(path(LockName), m_now.addMSecs(-ageMs));
+    }
+    bool write(const QString &message, int timeoutMs = LongTimeoutMs) const
+    {
+        return m_logger->write(message, Notice, timeoutMs);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<PluginLogger> m_logger;
+    QDateTime m_now; // what the logger takes for the time
+};
+
+void tst_PluginLogger::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_directory->isValid());
+    m_now = QDateTime(QDate(2018, 2, 1), QTime(9, 30));
+    m_logger = std::make_unique<PluginLogger>([this] { return m_now; });
+    m_logger->setSettings(settingsFor(m_directory->path()));
+}
+
+void tst_PluginLogger::cleanup()
+{
+    m_logger.reset();
+    m_directory.reset();
+}
+
+void tst_PluginLogger::levels_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("no logging") << int(NoLogging) << 0 << QStringLiteral("NoLogging");
+    QTest::newRow("critical") << int(Critical) << 1 << QStringLiteral("Critical");
+    QTest::newRow("error") << int(Error) << 2 << QStringLiteral("Error");
+    QTest::newRow("warning") << int(Warning) << 3 << QStringLiteral("Warning");
+    QTest::newRow("notice") << int(Notice) << 4 << QStringLiteral("Notice");
+    QTest::newRow("information") << int(Information) << 5 << QStringLiteral("Information");
+}
+
+void tst_PluginLogger::levels()
+{
+    QFETCH(int, level);
+    QFETCH(int, value);
+    QFETCH(QString, name);
+    QCOMPARE(level, value);
+    QCOMPARE(LogSettings().levelNames.value(level), name);
+    QCOMPARE(LogSettings().levelNames.size(), 6);
+}
+
+void tst_PluginLogger::defaults()
+{
+    const LogSettings settings = PluginLogger().settings();
+    QCOMPARE(settings.style, 0);
+    QCOMPARE(settings.maxLevel, 5);
+    QCOMPARE(settings.directory, QString());
+    QCOMPARE(settings.baseName, QStringLiteral("plugin"));
+    QCOMPARE(settings.extension, QStringLiteral("txt"));
+    QCOMPARE(settings.retentionDays, 30);
+    QCOMPARE(PluginLogger::DefaultTimeoutMs, 10000);
+}
+
+void tst_PluginLogger::oneInstance()
+{
+    const PluginLogger *const here = &PluginLogger::instance();
+    const PluginLogger *there = nullptr;
+    std::thread([&] { there = &PluginLogger::instance(); }).join();
+    QCOMPARE(there, here);
+}
+
+void tst_PluginLogger::filter_data()
+{
+    QTest::addColumn<int>("maxLevel");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("expected");
+
+    for (int level = 1; level <= 5; ++level)
+        QTest::addRow("level %d when there shall be no logging", level) << 0 << level << false;
+    QTest::newRow("level 0 when there shall be no logging") << 0 << 0 << true;
+    QTest::newRow("the maximum itself") << 3 << 3 << true;
+    QTest::newRow("just above the maximum") << 3 << 4 << false;
+    QTest::newRow("information by default") << 5 << 5 << true;
+    QTest::newRow("a level without a name above the maximum") << 5 << 6 << false;
+    QTest::newRow("a level without a name below the maximum") << 9 << 7 << true;
+    QTest::newRow("a negative level") << 0 << -1 << true;
+    QTest::newRow("a negative maximum") << -1 << 0 << false;
+}
+
+void tst_PluginLogger::filter()
+{
+    QFETCH(int, maxLevel);
+    QFETCH(int, level);
+    QFETCH(bool, expected);
+    LogSettings settings = settingsFor(path(QStringLiteral("sub")));
+    settings.maxLevel = maxLevel;
+    m_logger->setSettings(settings);
+
+    QVERIFY(m_logger->write(QStringLiteral("a"), level, LongTimeoutMs));
+    // What is filtered touches nothing, not even the directory.
+    QCOMPARE(files(), expected ? QStringList{QStringLiteral("sub")} : QStringList());
+    QCOMPARE(QFile::exists(path(QStringLiteral("sub/") + LogName)), expected);
+}
+
+void tst_PluginLogger::record_data()
+{
+    QTest::addColumn<int>("style");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("expected");
+
+    const QString footer = QStringLiteral("===================================== <<");
+    const QString noticeHeader = QStringLiteral(">> 2018-02-01 09:30:00 [Notice]=========\n");
+    QTest::newRow("one line") << 0 << int(Notice) << QStringLiteral("Started.")
+                              << QStringLiteral("2018-02-01 09:30:00 Notice: Started.\n");
+    QTest::newRow("one line is not trimmed")
+        << 0 << int(Error) << QStringLiteral("\n a \n")
+        << QStringLiteral("2018-02-01 09:30:00 Error: \n a \n\n");
+    QTest::newRow("one line with markers")
+        << 0 << int(Critical) << QStringLiteral("%1 %2 %3")
+        << QStringLiteral("2018-02-01 09:30:00 Critical: %1 %2 %3\n");
+    QTest::newRow("a level without a name")
+        << 0 << -3 << QStringLiteral("a") << QStringLiteral("2018-02-01 09:30:00 : a\n");
+    QTest::newRow("a block") << 1 << int(Notice) << QStringLiteral("Started.")
+                             << QString(noticeHeader + QStringLiteral("Started.\n") + footer
+                                    + QStringLiteral("\n\n"));
+    QTest::newRow("a block is trimmed")
+        << 1 << int(Notice) << QStringLiteral("\n\n  a\nb \n\n")
+        << QString(noticeHeader + QStringLiteral("a\nb\n") + footer + QStringLiteral("\n\n"));
+    QTest::newRow("a block with a marker")
+        << 1 << int(Notice) << QStringLiteral("%1.")
+        << QString(noticeHeader + footer + QStringLiteral(".\n%3\n\n"));
+    QTest::newRow("a block of blanks")
+        << 7 << int(Notice) << QStringLiteral("  ")
+        << QString(noticeHeader + QLatin1Char('\n') + footer + QStringLiteral("\n\n"));
+}
+
+void tst_PluginLogger::record()
+{
+    QFETCH(int, style);
+    QFETCH(int, level);
+    QFETCH(QString, message);
+    QFETCH(QString, expected);
+    LogSettings settings = m_logger->settings();
+    settings.style = style;
+    m_logger->setSettings(settings);
+    QVERIFY(m_logger->write(message, level, LongTimeoutMs));
+    QCOMPARE(log(), expected);
+    QCOMPARE(files(), QStringList{LogName}); // the lock file is gone
+}
+
+void tst_PluginLogger::wrappers()
+{
+    QVERIFY(m_logger->writeError(QStringLiteral("a")));
+    QVERIFY(m_logger->writeCritical(QStringLiteral("b")));
+    QCOMPARE(
+        log(), QStringLiteral("2018-02-01 09:30:00 Error: a\n2018-02-01 09:30:00 Critical: b\n"));
+}
+
+void tst_PluginLogger::appends()
+{
+    QVERIFY(createFile(path(LogName), "before\n"));
+    QVERIFY(write(QStringLiteral("a")));
+    m_now = m_now.addSecs(1);
+    QVERIFY(write(QStringLiteral("b")));
+    m_now = m_now.addDays(1);
+    QVERIFY(write(QStringLiteral("c")));
+    QCOMPARE(log(),
+        QStringLiteral("before\n2018-02-01 09:30:00 Notice: a\n2018-02-01 09:30:01 Notice: b\n"));
+    QCOMPARE(readFile(path(QStringLiteral("plugin_20180202.txt"))),
+        QStringLiteral("2018-02-02 09:30:01 Notice: c\n"));
+}
+
+void tst_PluginLogger::bytes()
+{
+    QVERIFY(write(QString::fromUtf8("\xE5\xB9\xB4 \xC3\xA4 \xF0\x9F\x98\x80")));
+    QFile file(path(LogName));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+    QCOMPARE(file.readAll(),
+        QByteArray("2018-02-01 09:30:00 Notice: \xE5\xB9\xB4 \xC3\xA4 \xF0\x9F\x98\x80\n"));
+}
+
+void tst_PluginLogger::currentDirectory()
+{
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_directory->path()));
+    m_logger->setSettings(LogSettings());
+    const bool written = write(QStringLiteral("a"));
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(written);
+    QCOMPARE(log(), QStringLiteral("2018-02-01 09:30:00 Notice: a\n"));
+    QCOMPARE(files(), QStringList{LogName});
+}
+
+void tst_PluginLogger::missingDirectory()
+{
+    const QString directory = path(QStringLiteral("a/b/c"));
+    m_logger->setSettings(settingsFor(directory));
+    QVERIFY(write(QStringLiteral("a")));
+    QCOMPARE(QDir(directory).entryList(QDir::Files), QStringList{LogName});
+}
+
+void tst_PluginLogger::removedDirectory()
+{
+    const QString directory = path(QStringLiteral("logs"));
+    m_logger->setSettings(settingsFor(directory));
+    QVERIFY(write(QStringLiteral("a")));
+    QVERIFY(QDir(directory).removeRecursively());
+    QVERIFY(write(QStringLiteral("b")));
+    QCOMPARE(
+        messages(readFile(QDir(directory).filePath(LogName))), QStringList{QStringLiteral("b")});
+}
+
+void tst_PluginLogger::fileInPlaceOfDirectory()
+{
+    QVERIFY(createFile(path(QStringLiteral("file")), "text"));
+    for (const char *directory : {"file", "file/logs"}) {
+        m_logger->setSettings(settingsFor(path(QString::fromLatin1(directory))));
+        QVERIFY(!write(QStringLiteral("a")));
+        QCOMPARE(files(), QStringList{QStringLiteral("file")});
+        QCOMPARE(readFile(path(QStringLiteral("file"))), QStringLiteral("text"));
+    }
+    // The failure leaves the logger usable.
+    m_logger->setSettings(settingsFor(m_directory->path()));
+    QVERIFY(write(QStringLiteral("b")));
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("b")});
+}
+
+void tst_PluginLogger::lockAge_data()
+{
+    QTest::addColumn<qint64>("ageMs");
+    QTest::addColumn<bool>("isStale");
+
+    QTest::newRow("just taken") << qint64(0) << false;
+    QTest::newRow("29.9 seconds old") << qint64(29900) << false;
+    QTest::newRow("exactly 30 seconds old") << qint64(30000) << false;
+    QTest::newRow("30.001 seconds old") << qint64(30001) << true;
+    QTest::newRow("a day old") << qint64(86400000) << true;
+    // A clock that was set back: waited for, the stopwatch ends it.
+    QTest::newRow("an hour in the future") << qint64(-3600000) << false;
+}
+
+void tst_PluginLogger::lockAge()
+{
+    QFETCH(qint64, ageMs);
+    QFETCH(bool, isStale);
+    QVERIFY(createLock(ageMs));
+
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QCOMPARE(write(QStringLiteral("a"), ShortTimeoutMs), isStale);
+    const qint64 elapsed = stopwatch.elapsed();
+    QCOMPARE(log(), isStale ? QStringLiteral("2018-02-01 09:30:00 Notice: a\n") : QString());
+    // A writer that gives up leaves the lock to its owner.
+    QCOMPARE(files(), QStringList{isStale ? LogName : LockName});
+    if (!isStale)
+        QVERIFY2(elapsed >= ShortTimeoutMs && elapsed < ShortTimeoutMs + AtOnceMs,
+            qPrintable(QString::number(elapsed)));
+}
+
+void tst_PluginLogger::lockAgeIsJudgedOnce()
+{
+    QVERIFY(createLock(29990));
+    QTimer::singleShot(20, this, [this] { m_now = m_now.addSecs(60); });
+    QVERIFY(!write(QStringLiteral("a"), 2 * ShortTimeoutMs));
+    QCOMPARE(files(), QStringList{LockName});
+}
+
+void tst_PluginLogger::lockVanishes()
+{
+    QVERIFY(createLock());
+    bool wasFree = true;
+    QTimer::singleShot(100, this, [&] {
+        wasFree = !QFile::remove(path(LockName)) || QFile::exists(path(LogName));
+        m_now = m_now.addSecs(5);
+    });
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QVERIFY(write(QStringLiteral("a")));
+    QVERIFY(!wasFree);
+    QVERIFY(stopwatch.elapsed() >= 50 && stopwatch.elapsed() < AtOnceMs);
+    // The time is that of the writing, not of the call.
+    QCOMPARE(log(), QStringLiteral("2018-02-01 09:30:05 Notice: a\n"));
+    QCOMPARE(files(), QStringList{LogName});
+}
+
+void tst_PluginLogger::midnightInTheWait()
+{
+    m_now.setTime(QTime(23, 59, 59, 900));
+    QVERIFY(createLock());
+    QTimer::singleShot(30, this, [this] {
+        m_now = m_now.addMSecs(100);
+        QFile::remove(path(LockName));
+    });
+    QVERIFY(write(QStringLiteral("a")));
+    QCOMPARE(files(), QStringList{QStringLiteral("plugin_20180202.txt")});
+    QCOMPARE(readFile(path(QStringLiteral("plugin_20180202.txt"))),
+        QStringLiteral("2018-02-02 00:00:00 Notice: a\n"));
+}
+
+void tst_PluginLogger::waitingLetsEventsRun()
+{
+    QVERIFY(createLock());
+    int beats = 0;
+    QTimer heart;
+    connect(&heart, &QTimer::timeout, this, [&] {
+        if (++beats == 10)
+            QFile::remove(path(LockName));
+    });
+    heart.start(5);
+    QVERIFY(write(QStringLiteral("a")));
+    QVERIFY(beats >= 10);
+}
+
+void tst_PluginLogger::noTimeToWait_data()
+{
+    QTest::addColumn<int>("timeoutMs");
+    QTest::newRow("none") << 0;
+    QTest::newRow("less than none") << -5;
+}
+
+void tst_PluginLogger::noTimeToWait()
+{
+    QFETCH(int, timeoutMs);
+    QVERIFY(write(QStringLiteral("a"), timeoutMs));
+    QVERIFY(createLock());
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QVERIFY(!write(QStringLiteral("b"), timeoutMs));
+    QVERIFY(stopwatch.elapsed() < AtOnceMs);
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("a")});
+}
+
+void tst_PluginLogger::recordsThatArriveInTheWait()
+{
+    QVERIFY(createLock());
+    int count = 0;
+    int depth = 0;
+    int deepest = 0;
+    bool allKept = true;
+    QTimer sensor;
+    connect(&sensor, &QTimer::timeout, this, [&] {
+        deepest = qMax(deepest, ++depth);
+        allKept = write(QString::number(++count)) && !QFile::exists(path(LogName)) && allKept;
+        m_now = m_now.addSecs(1);
+        --depth;
+        if (count == 60) {
+            sensor.stop();
+            QFile::remove(path(LockName));
+        }
+    });
+    sensor.start(2);
+    QVERIFY(write(QStringLiteral("first")));
+    QCOMPARE(count, 60);
+    QCOMPARE(deepest, 1);
+    QVERIFY(allKept);
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("first")} + numbers(1, 60));
+    QCOMPARE(files(), QStringList{LogName});
+
+    const QStringList lines = log().split(QLatin1Char('\n'));
+    QString latest;
+    for (int i = 0; i < lines.size() - 1; ++i) {
+        const QString stamp = lines.at(i).left(19);
+        QVERIFY2(stamp >= latest, qPrintable(lines.at(i)));
+        latest = stamp;
+    }
+
+    // Nothing is left over for the next one.
+    QVERIFY(write(QStringLiteral("next")));
+    QCOMPARE(messages(log()).size(), 62);
+    QCOMPARE(messages(log()).last(), QStringLiteral("next"));
+}
+
+void tst_PluginLogger::levelOfRecordsThatArriveInTheWait()
+{
+    LogSettings settings = m_logger->settings();
+    settings.maxLevel = Notice;
+    m_logger->setSettings(settings);
+    QVERIFY(createLock());
+    bool kept = false;
+    QTimer::singleShot(10, this, [&] {
+        kept = m_logger->write(QStringLiteral("filtered"), Information, LongTimeoutMs)
+            && m_logger->writeError(QStringLiteral("kept"));
+        QFile::remove(path(LockName));
+    });
+    QVERIFY(write(QStringLiteral("first")));
+    QVERIFY(kept);
+    QCOMPARE(log(),
+        QStringLiteral("2018-02-01 09:30:00 Notice: first\n2018-02-01 09:30:00 Error: kept\n"));
+}
+
+void tst_PluginLogger::recordsAreLostWithTheirWaiter()
+{
+    QVERIFY(createLock());
+    bool kept = false;
+    QTimer::singleShot(10, this, [&] { kept = write(QStringLiteral("kept")); });
+    QVERIFY(!write(QStringLiteral("first"), ShortTimeoutMs));
+    QVERIFY(kept);
+    QCOMPARE(files(), QStringList{LockName});
+
+    QVERIFY(QFile::remove(path(LockName)));
+    QVERIFY(write(QStringLiteral("next")));
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("next")});
+}
+
+void tst_PluginLogger::boundedNumberOfKeptRecords()
+{
+    QVERIFY(createLock());
+    QTimer::singleShot(10, this, [this] {
+        for (int number = 1; number <= 1500; ++number)
+            write(QString::number(number));
+        QFile::remove(path(LockName));
+    });
+    QVERIFY(write(QStringLiteral("first")));
+    // The newest are worth most.
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("first")} + numbers(501, 1500));
+}
+
+void tst_PluginLogger::boundedSizeOfKeptRecords()
+{
+    constexpr int Length = 100000;
+    QVERIFY(createLock());
+    QTimer::singleShot(10, this, [this] {
+        for (char letter = 'a'; letter <= 'z'; ++letter)
+            write(QString(Length, QLatin1Char(letter)));
+        QFile::remove(path(LockName));
+    });
+    QVERIFY(write(QStringLiteral("first")));
+    const QStringList written = messages(log());
+    QVERIFY(written.size() > 1);
+    QVERIFY((written.size() - 1) * Length <= 1024 * 1024);
+    QCOMPARE(written.first(), QStringLiteral("first"));
+    for (int i = 1; i < written.size(); ++i) {
+        const char letter = static_cast<char>('z' - (written.size() - 1 - i));
+        QVERIFY(written.at(i) == QString(Length, QLatin1Char(letter)));
+    }
+}
+
+void tst_PluginLogger::quitInTheWait_data()
+{
+    QTest::addColumn<bool>("vanishes");
+    QTest::newRow("a lock that stays") << false;
+    QTest::newRow("a lock that vanishes") << true;
+}
+
+void tst_PluginLogger::quitInTheWait()
+{
+#ifdef Q_OS_UNIX
+    QFETCH(bool, vanishes);
+    constexpr int TimeoutMs = 1000;
+    QVERIFY(createLock());
+    bool written = false;
+    std::clock_t used = 0; // processor time of this process, whatever the others do
+    QElapsedTimer stopwatch;
+    QTimer::singleShot(0, this, [&] {
+        QTimer::singleShot(10, QCoreApplication::instance(), &QCoreApplication::quit);
+        stopwatch.start();
+        const std::clock_t before = std::clock();
+        written = write(QStringLiteral("a"), vanishes ? LongTimeoutMs : TimeoutMs);
+        used = std::clock() - before;
+    });
+    std::thread other([&] {
+        QThread::msleep(TimeoutMs / 2);
+        if (vanishes)
+            QFile::remove(path(LockName));
+    });
+    QCoreApplication::exec();
+    const qint64 elapsed = stopwatch.elapsed();
+    other.join();
+
+    QCOMPARE(written, vanishes);
+    QVERIFY(elapsed < TimeoutMs + AtOnceMs);
+    QVERIFY(vanishes || elapsed >= TimeoutMs);
+    // Loops return at once after quit(): the wait must not become a spin.
+    QVERIFY2(used < CLOCKS_PER_SEC / 4, qPrintable(QString::number(used)));
+#else
+    QSKIP("the processor time of the process is not at hand");
+#endif
+}
+
+void tst_PluginLogger::otherThreadHoldsTheLogger()
+{
+    QVERIFY(createLock());
+    std::atomic<bool> waits{false};
+    std::atomic<bool> written{false};
+    std::thread other([&] {
+        QTimer::singleShot(0, [&] { waits = true; });
+        written = write(QStringLiteral("other"));
+    });
+    while (!waits)
+        QThread::yieldCurrentThread();
+
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    const bool here = write(QStringLiteral("here"), ShortTimeoutMs);
+    const qint64 elapsed = stopwatch.elapsed();
+    QFile::remove(path(LockName));
+    other.join();
+    QVERIFY(!here);
+    QVERIFY2(elapsed >= ShortTimeoutMs && elapsed < ShortTimeoutMs + AtOnceMs,
+        qPrintable(QString::number(elapsed)));
+    QVERIFY(written);
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("other")});
+    QVERIFY(write(QStringLiteral("here")));
+}
+
+void tst_PluginLogger::manyThreads()
+{
+    constexpr int Threads = 4;
+    constexpr int Records = 100;
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    threads.reserve(Threads);
+    for (int number = 0; number < Threads; ++number) {
+        threads.emplace_back([&, number] {
+            if (!writeRecords(*m_logger, QStringLiteral("thread%1").arg(number), Records))
+                ++failures;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+
+    QCOMPARE(int(failures), 0);
+    const QStringList written = messages(log());
+    QCOMPARE(written.size(), Threads * Records);
+    for (int number = 0; number < Threads; ++number) {
+        const QString name = QStringLiteral("thread%1-").arg(number);
+        QStringList expected;
+        for (int record = 1; record <= Records; ++record)
+            expected.append(name + QString::number(record));
+        QCOMPARE(written.filter(name), expected);
+    }
+    QCOMPARE(files(), QStringList{LogName});
+}
+
+void tst_PluginLogger::manyProcesses()
+{
+    constexpr int Processes = 3;
+    constexpr int Records = 40;
+    std::vector<std::unique_ptr<QProcess>> processes;
+    processes.reserve(Processes);
+    for (int number = 0; number < Processes; ++number) {
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->setProcessChannelMode(QProcess::ForwardedChannels);
+        processes.back()->start(QCoreApplication::applicationFilePath(),
+            {QStringLiteral("--write-records"), m_directory->path(),
+                QStringLiteral("process%1").arg(number), QString::number(Records)});
+    }
+    for (const std::unique_ptr<QProcess> &process : processes) {
+        QVERIFY(process->waitForFinished(LongTimeoutMs));
+        QCOMPARE(int(process->exitStatus()), int(QProcess::NormalExit));
+        QCOMPARE(process->exitCode(), 0);
+    }
+
+    QStringList written;
+    const QStringList logFiles = files(); // two when it is midnight now
+    for (const QString &name : logFiles) {
+        QVERIFY2(name.startsWith(QLatin1String("plugin_")), qPrintable(name));
+        written += messages(readFile(path(name)));
+    }
+    QCOMPARE(written.size(), Processes * Records);
+    for (int number = 0; number < Processes; ++number) {
+        const QString name = QStringLiteral("process%1-").arg(number);
+        QStringList expected;
+        for (int record = 1; record <= Records; ++record)
+            expected.append(name + QString::number(record));
+        QCOMPARE(written.filter(name), expected);
+    }
+}
+
+void tst_PluginLogger::withoutApplication()
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(QCoreApplication::applicationFilePath(),
+        {QStringLiteral("--without-application"), m_directory->path()});
+    QVERIFY(process.waitForFinished(LongTimeoutMs));
+    QCOMPARE(int(process.exitStatus()), int(QProcess::NormalExit));
+    QCOMPARE(process.exitCode(), 0);
+}
+
+void tst_PluginLogger::staticDestructor()
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(QCoreApplication::applicationFilePath(),
+        {QStringLiteral("--write-late"), m_directory->path()});
+    QVERIFY(process.waitForFinished(LongTimeoutMs));
+    QCOMPARE(int(process.exitStatus()), int(QProcess::NormalExit));
+    QCOMPARE(process.exitCode(), 0);
+    const QStringList logFiles = files();
+    QCOMPARE(logFiles.size(), 1);
+    QCOMPARE(messages(readFile(path(logFiles.first()))), QStringList{QStringLiteral("late")});
+}
+
+void tst_PluginLogger::oddLockFile_data()
+{
+    QTest::addColumn<bool>("isFifo");
+    QTest::addColumn<qint64>("ageMs");
+
+    QTest::newRow("a young directory") << false << qint64(0);
+    QTest::newRow("a stale directory") << false << qint64(40000);
+    QTest::newRow("a young FIFO") << true << qint64(0);
+    QTest::newRow("a stale FIFO") << true << qint64(40000);
+}
+
+void tst_PluginLogger::oddLockFile()
+{
+    QFETCH(bool, isFifo);
+    QFETCH(qint64, ageMs);
+#ifdef Q_OS_UNIX
+    if (isFifo)
+        QCOMPARE(mkfifo(QFile::encodeName(path(LockName)).constData(), 0600), 0);
+#else
+    if (isFifo)
+        QSKIP("there are no FIFOs in this file system");
+#endif
+    if (!isFifo)
+        QVERIFY(QDir().mkdir(path(LockName)));
+    // Neither can be given another time here, so it is the clock that moves.
+    m_now = QFileInfo(path(LockName)).lastModified().addMSecs(ageMs);
+
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QVERIFY(!write(QStringLiteral("a"), ShortTimeoutMs));
+    QVERIFY(stopwatch.elapsed() < ShortTimeoutMs + AtOnceMs);
+    QCOMPARE(files(), QStringList{LockName});
+}
+
+void tst_PluginLogger::oddLogFile_data()
+{
+    QTest::addColumn<bool>("isFifo");
+
+    QTest::newRow("a directory") << false;
+    QTest::newRow("a FIFO") << true;
+}
+
+void tst_PluginLogger::oddLogFile()
+{
+    QFETCH(bool, isFifo);
+#ifdef Q_OS_UNIX
+    if (isFifo)
+        QCOMPARE(mkfifo(QFile::encodeName(path(LogName)).constData(), 0600), 0);
+#else
+    if (isFifo)
+        QSKIP("there are no FIFOs in this file system");
+#endif
+    if (!isFifo)
+        QVERIFY(QDir().mkdir(path(LogName)));
+
+    // Would hang here if the FIFO was opened.
+    QVERIFY(!write(QStringLiteral("a")));
+    QCOMPARE(files(), QStringList{LogName}); // the lock file is gone
+
+    QVERIFY(isFifo ? QFile::remove(path(LogName)) : QDir().rmdir(path(LogName)));
+    QVERIFY(write(QStringLiteral("b")));
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("b")});
+}
+
+void tst_PluginLogger::linkedLockFile()
+{
+#ifdef Q_OS_UNIX
+    const QString victim = path(QStringLiteral("victim"));
+    QVERIFY(createFile(victim, "precious"));
+    QVERIFY(setFileTime(victim, m_now.addSecs(-3600)));
+    QVERIFY(QFile::link(victim, path(LockName)));
+
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    write(QStringLiteral("a"), ShortTimeoutMs); // whether it goes through is not the point
+    QVERIFY(stopwatch.elapsed() < ShortTimeoutMs + AtOnceMs);
+    QCOMPARE(readFile(victim), QStringLiteral("precious"));
+#else
+    QSKIP("links are shortcuts in this file system");
+#endif
+}
+
+void tst_PluginLogger::linkedLogFile()
+{
+#ifdef Q_OS_UNIX
+    const QString victim = path(QStringLiteral("victim"));
+    QVERIFY(createFile(victim, "precious\n"));
+    QVERIFY(QFile::link(victim, path(LogName)));
+
+    write(QStringLiteral("a")); // appends, or refuses
+    QVERIFY(readFile(victim).startsWith(QLatin1String("precious\n")));
+    QVERIFY(!QFile::exists(path(LockName)));
+#else
+    QSKIP("links are shortcuts in this file system");
+#endif
+}
+
+void tst_PluginLogger::fullDevice()
+{
+    const QString device = QStringLiteral("/dev/full");
+    if (!QFile::exists(device))
+        QSKIP("there is no full device to write to");
+    QVERIFY(QFile::link(device, path(LogName)));
+    QVERIFY(!write(QStringLiteral("a")));
+    QVERIFY(!QFile::exists(path(LockName)));
+
+    QVERIFY(QFile::remove(path(LogName)));
+    QVERIFY(write(QStringLiteral("b")));
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("b")});
+}
+
+void tst_PluginLogger::cleanUp_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<int>("retentionDays");
+    QTest::addColumn<bool>("isKept");
+
+    const auto row = [](const char *name, const char *fileName, int retentionDays, bool isKept) {
+        QTest::newRow(name) << QString::fromLatin1(fileName) << retentionDays << isKept;
+    };
+    // Today is 2018-02-01.
+    row("exactly 30 days old", "plugin_20180102.txt", 30, true);
+    row("31 days old", "plugin_20180101.txt", 30, false);
+    row("years old", "plugin_20100101.txt", 30, false);
+    row("of the future", "plugin_20180301.txt", 30, true);
+    row("an old file of others", "other_20170101.txt", 30, false);
+    row("no date", "notes.txt", 30, true);
+    row("no valid date", "x_2017011.txt", 30, true);
+    row("another extension", "plugin_20170101.log", 30, true);
+    row("a lock file with a date", "plugin_20170101.lock", 30, true);
+    row("yesterday's, kept a day", "plugin_20180131.txt", 1, true);
+    row("two days old, kept a day", "plugin_20180130.txt", 1, false);
+    row("yesterday's, kept no day", "plugin_20180131.txt", 0, false);
+    row("a long time kept", "plugin_20170101.txt", 400, true);
+}
+
+void tst_PluginLogger::cleanUp()
+{
+    QFETCH(QString, fileName);
+    QFETCH(int, retentionDays);
+    QFETCH(bool, isKept);
+    LogSettings settings = m_logger->settings();
+    settings.retentionDays = retentionDays;
+    m_logger->setSettings(settings);
+    QVERIFY(createFile(path(fileName), "old"));
+    QVERIFY(write(QStringLiteral("a")));
+    QCOMPARE(QFile::exists(path(fileName)), isKept);
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("a")});
+}
+
+void tst_PluginLogger::cleanUpOtherKinds()
+{
+    LogSettings settings = m_logger->settings();
+    settings.extension = QStringLiteral("log");
+    m_logger->setSettings(settings);
+    QVERIFY(QDir().mkdir(path(QStringLiteral("d_20170101.log"))));
+    QVERIFY(createFile(path(QStringLiteral("x_20170101.txt"))));
+    QVERIFY(createFile(path(QStringLiteral("x_20170101.log"))));
+    QVERIFY(createFile(path(QStringLiteral("x_20170101log"))));
+    QVERIFY(write(QStringLiteral("a")));
+    QCOMPARE(files(),
+        QStringList({QStringLiteral("d_20170101.log"), QStringLiteral("plugin_20180201.log"),
+            QStringLiteral("x_20170101.txt"), QStringLiteral("x_20170101log")}));
+}
+
+void tst_PluginLogger::cleanUpOnceADay()
+{
+    const QString old = path(QStringLiteral("plugin_20170101.txt"));
+    QVERIFY(write(QStringLiteral("a")));
+    QVERIFY(createFile(old));
+    m_now.setTime(QTime(23, 59, 59, 999));
+    QVERIFY(write(QStringLiteral("b")));
+    QVERIFY(QFile::exists(old));
+    m_now = m_now.addMSecs(1);
+    QVERIFY(write(QStringLiteral("c")));
+    QVERIFY(!QFile::exists(old));
+    QVERIFY(createFile(old));
+    QVERIFY(write(QStringLiteral("d")));
+    QVERIFY(QFile::exists(old));
+}
+
+void tst_PluginLogger::cleanUpAfterTheClockWasSetBack()
+{
+    const QString old = path(QStringLiteral("plugin_20170101.txt"));
+    QVERIFY(write(QStringLiteral("a")));
+    m_now = m_now.addDays(1);
+    QVERIFY(write(QStringLiteral("b")));
+    QVERIFY(createFile(old));
+    m_now = m_now.addDays(-1);
+    QVERIFY(write(QStringLiteral("c")));
+    QVERIFY(!QFile::exists(old)); // another date than that of the last time
+    QCOMPARE(messages(log()), QStringList({QStringLiteral("a"), QStringLiteral("c")}));
+}
+
+void tst_PluginLogger::cleanUpNeedsALock()
+{
+    const QString old = path(QStringLiteral("plugin_20170101.txt"));
+    QVERIFY(createFile(old));
+    QVERIFY(createLock());
+    QVERIFY(!write(QStringLiteral("a"), ShortTimeoutMs));
+    QVERIFY(QFile::exists(old));
+    QVERIFY(QFile::remove(path(LockName)));
+    QVERIFY(write(QStringLiteral("b")));
+    QVERIFY(!QFile::exists(old)); // the failed one did not count
+}
+
+void tst_PluginLogger::filteredRecordsDoNotCleanUp()
+{
+    const QString old = path(QStringLiteral("plugin_20170101.txt"));
+    QVERIFY(createFile(old));
+    QVERIFY(m_logger->write(QStringLiteral("a"), 6, LongTimeoutMs));
+    QCOMPARE(files(), QStringList{QStringLiteral("plugin_20170101.txt")});
+}
+
+void tst_PluginLogger::defaultDirectoryDoesNotCount()
+{
+    const QString old = path(QStringLiteral("plugin_20170101.txt"));
+    QVERIFY(createFile(old));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_directory->path()));
+    m_logger->setSettings(LogSettings());
+    const bool written = write(QStringLiteral("a"));
+    const bool wasKept = QFile::exists(old);
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(written);
+    QVERIFY(wasKept);
+
+    m_logger->setSettings(settingsFor(m_directory->path()));
+    QVERIFY(write(QStringLiteral("b")));
+    QVERIFY(!QFile::exists(old));
+}
+
+int main(int argc, char *argv[])
+{
+    // Some tests start this program again as the other process.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const QString mode = arguments.value(0);
+    const QString directory = arguments.value(1);
+    if (mode == QLatin1String("--without-application"))
+        return runWithoutApplication(directory);
+    if (mode == QLatin1String("--write-late")) {
+        lateWriter().directory = directory;
+        const QCoreApplication application(argc, argv);
+        return 0;
+    }
+
+    const QCoreApplication application(argc, argv);
+    if (mode == QLatin1String("--write-records")) {
+        PluginLogger logger;
+        logger.setSettings(settingsFor(directory));
+        return writeRecords(logger, arguments.value(2), arguments.value(3).toInt()) ? 0 : 1;
+    }
+    tst_PluginLogger test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_pluginlogger.moc"
