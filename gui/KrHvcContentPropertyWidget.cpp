@@ -123,6 +123,13 @@ KrHvcContentPropertyWidget::KrHvcContentPropertyWidget(QWidget *parent)
         &KrHvcContentPropertyWidget::onGenderComboBoxIndexChanged);
 }
 
+KrHvcContentPropertyWidget::~KrHvcContentPropertyWidget()
+{
+    // The base class closes a visible window, which finishes an edit: too late for the slots.
+    m_ageMin->disconnect(this);
+    m_ageMax->disconnect(this);
+}
+
 bool KrHvcContentPropertyWidget::prepareNewContent()
 {
     showInformation(tr("New HVC detection setting will be added."),

@@ -26,6 +26,7 @@ class KrHvcContentPropertyWidget : public QWidget
 
 public:
     explicit KrHvcContentPropertyWidget(QWidget *parent = nullptr);
+    ~KrHvcContentPropertyWidget() override;
 
     /// The screen's parameter map; not owned, null for none.
     void setPluginData(QVariant *pluginData) { m_pluginData = pluginData; }

@@ -41,18 +41,30 @@ QLabel *createBuddyLabel(const QString &text, QWidget *buddy)
     return label;
 }
 
-/// The colour of the notes is fixed, also where a dark palette makes it hard to read.
-QLabel *createNote(const QString &text, const QString &styleSheet)
+/// A small text below what it explains. Layouts reckon with a wrapped text's height only while
+/// they have room to spare; this one insists on it, so that nothing around it is squeezed.
+class Note : public QLabel
 {
-    auto *note = new QLabel(text);
-    note->setWordWrap(true);
-    QFont font = note->font();
-    if (font.pointSize() > 1) // -1 for fonts set in pixels
-        font.setPointSize(font.pointSize() - 1);
-    note->setFont(font);
-    note->setStyleSheet(styleSheet);
-    return note;
-}
+public:
+    // The colour in the style sheet is fixed, also where a dark palette makes it hard to read.
+    Note(const QString &text, const QString &styleSheet)
+        : QLabel(text)
+    {
+        setWordWrap(true);
+        QFont smaller = font();
+        if (smaller.pointSize() > 1) // -1 for fonts set in pixels
+            smaller.setPointSize(smaller.pointSize() - 1);
+        setFont(smaller);
+        setStyleSheet(styleSheet);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QLabel::resizeEvent(event);
+        setMinimumHeight(heightForWidth(width()));
+    }
+};
 
 QSpacerItem *createRowSpacer()
 {
@@ -77,7 +89,7 @@ KrHvcScreenPropertyWidget::KrHvcScreenPropertyWidget(QWidget *parent)
 
 void KrHvcScreenPropertyWidget::loadValues()
 {
-    if (m_pluginData == nullptr)
+    if (m_pluginData == nullptr || m_pluginData->isNull())
         return;
     const QVariantMap settings = m_pluginData->toMap().value(Keys::PluginData).toMap();
     for (const Field &field : fields())
@@ -181,8 +193,7 @@ QGridLayout *KrHvcScreenPropertyWidget::createRestrictionGrid()
     grid->addWidget(new QLabel(tr("msec.")), 0, 2);
     grid->addItem(createRowSpacer(), 0, 3);
     grid->addWidget(
-        createNote(
-            tr("Until the specified time elapses, the same screen target event is discarded."),
+        new Note(tr("Until the specified time elapses, the same screen target event is discarded."),
             QStringLiteral("margin-left: 3px;color: midnightblue;")),
         1, 0, 1, 4);
     return grid;
@@ -197,8 +208,8 @@ QBoxLayout *KrHvcScreenPropertyWidget::createMonitoringBox()
     box->setContentsMargins(0, 0, 0, 0);
     box->addWidget(m_visibleMonitoring);
     box->addWidget(
-        createNote(tr("If it is checked, HVC monitoring will be displayed with this Screen. "
-                      "If it is not checked, this Screen will not be displayed."),
+        new Note(tr("If it is checked, HVC monitoring will be displayed with this Screen. "
+                    "If it is not checked, this Screen will not be displayed."),
             QStringLiteral("margin-left: 3px; color: midnightblue;")));
     return box;
 }
