@@ -91,6 +91,9 @@ void KrHvcController::stop()
     m_process->disconnect(this); // a later process must not be taken for this one
     m_process->deleteLater();
     m_process = nullptr;
+    // A receiver that called start() in the wait found the process still running.
+    if (!isStopRequested())
+        QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
     emit stopped();
 }
 
@@ -125,7 +128,7 @@ void KrHvcController::onProcessErrorOccured(QProcess::ProcessError error)
     const SignalScope scope(this);
     qCDebug(krhvcSensor) << "Process Error:" << error;
 
-    QString reason;
+    QString reason = tr("Unknown error.");
     switch (error) {
     case QProcess::FailedToStart:
         reason = tr("Failed to start.");
@@ -146,7 +149,6 @@ void KrHvcController::onProcessErrorOccured(QProcess::ProcessError error)
         reason = tr("Write error.");
         break;
     case QProcess::UnknownError:
-        reason = tr("Unknown error.");
         break;
     }
     emit errorOccured(tr("Error occured in the process controller. ") + reason);

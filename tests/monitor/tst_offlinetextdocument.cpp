@@ -1,0 +1,201 @@
+#include "monitor/KrTextItem_Private.h"
+#include "monitor/OfflineTextDocument.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <array>
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
+using PluginKrHvcP2::OfflineTextDocument;
+using PluginKrHvcP2::Private::KrTextItem_Private;
+
+/// Notices every opening of a file.
+class FileAccessSpy
+{
+public:
+    explicit FileAccessSpy(const QString &fileName)
+        : m_queue(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        m_watch = ::inotify_add_watch(m_queue, qPrintable(fileName), IN_OPEN | IN_ACCESS);
+    }
+    ~FileAccessSpy()
+    {
+        if (m_queue >= 0)
+            ::close(m_queue);
+    }
+
+    bool isValid() const { return m_queue >= 0 && m_watch >= 0; }
+
+    /// True when the file was opened since the last call.
+    bool takeAccess()
+    {
+        std::array<char, 4096> events;
+        bool accessed = false;
+        while (::read(m_queue, events.data(), events.size()) > 0)
+            accessed = true;
+        return accessed;
+    }
+
+private:
+    Q_DISABLE_COPY(FileAccessSpy)
+
+    int m_queue;
+    int m_watch = -1;
+};
+
+class tst_OfflineTextDocument : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void opensNoFile_data();
+    void opensNoFile();
+    void imageTakesNoRoom();
+    void keepsTheText();
+    void survivesTheNextText();
+
+private:
+    QString filePath(const QString &name) const { return m_directory.filePath(name); }
+
+    QTemporaryDir m_directory;
+};
+
+void tst_OfflineTextDocument::initTestCase()
+{
+    QVERIFY(m_directory.isValid());
+    QImage image(90, 70, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QVERIFY(image.save(filePath(QStringLiteral("image.png"))));
+
+    QFile sheet(filePath(QStringLiteral("sheet.css")));
+    QVERIFY(sheet.open(QIODevice::WriteOnly));
+    QVERIFY(sheet.write("p { font-size: 60pt }") > 0);
+}
+
+void tst_OfflineTextDocument::opensNoFile_data()
+{
+    QTest::addColumn<QString>("html"); // %1: path, %2: URL
+    QTest::addColumn<QString>("fileName");
+
+    const QString image = QStringLiteral("image.png");
+    const QString sheet = QStringLiteral("sheet.css");
+
+    QTest::newRow("an image by its path") << QStringLiteral("a<img src=\"%1\">b") << image;
+    QTest::newRow("an image by its address") << QStringLiteral("a<img src=\"%2\">b") << image;
+    QTest::newRow("an image with a size of its own")
+        << QStringLiteral("a<img src=\"%1\" width=\"7\" height=\"9\">b") << image;
+    QTest::newRow("an image in a table cell")
+        << QStringLiteral("<table><tr><td><img src=\"%2\"></td></tr></table>") << image;
+    QTest::newRow("the background of a body")
+        << QStringLiteral("<body background=\"%2\">text</body>") << image;
+    QTest::newRow("the background of a table cell")
+        << QStringLiteral("<table><tr><td background=\"%2\">text</td></tr></table>") << image;
+    QTest::newRow("a background image in a style")
+        << QStringLiteral("<p style=\"background-image:url(%2)\">text</p>") << image;
+    QTest::newRow("a linked style sheet") << QStringLiteral(
+        "<html><head><link rel=\"stylesheet\" type=\"text/css\" href=\"%2\"></head>"
+        "<body><p>text</p></body></html>") << sheet;
+    QTest::newRow("an imported style sheet") << QStringLiteral(
+        "<html><head><style>@import url(%2);</style></head>"
+        "<body><p>text</p></body></html>") << sheet;
+}
+
+static void layOutAndPaint(QTextDocument *document)
+{
+    QImage canvas(300, 200, QImage::Format_RGB32);
+    canvas.fill(Qt::white);
+    document->setTextWidth(300);
+    QPainter painter(&canvas);
+    document->drawContents(&painter);
+}
+
+void tst_OfflineTextDocument::opensNoFile()
+{
+    QFETCH(QString, html);
+    QFETCH(QString, fileName);
+
+    const QString path = filePath(fileName);
+    html.replace(QLatin1String("%1"), path);
+    html.replace(QLatin1String("%2"), QUrl::fromLocalFile(path).toString());
+
+    FileAccessSpy spy(path);
+    QVERIFY(spy.isValid());
+    QTextDocument usual;
+    usual.setHtml(html);
+    layOutAndPaint(&usual);
+    QVERIFY2(spy.takeAccess(), "the text names no file that a usual document opens");
+
+    OfflineTextDocument document;
+    document.setHtml(html);
+    layOutAndPaint(&document);
+    QVERIFY(!spy.takeAccess());
+
+    KrTextItem_Private item;
+    item.setHtml(html);
+    item.setTextWidth(300);
+    QImage canvas(300, 200, QImage::Format_RGB32);
+    canvas.fill(Qt::black);
+    QPainter painter(&canvas);
+    const QStyleOptionGraphicsItem option;
+    item.paint(&painter, &option, nullptr);
+    painter.end();
+    QVERIFY(!spy.takeAccess());
+    for (int y = 0; y < canvas.height(); ++y) {
+        for (int x = 0; x < canvas.width(); ++x)
+            QVERIFY(canvas.pixelColor(x, y) != QColor(Qt::red)); // no pixel of the image
+    }
+}
+
+void tst_OfflineTextDocument::imageTakesNoRoom()
+{
+    const QString image
+        = QStringLiteral("<img src=\"%1\">").arg(filePath(QStringLiteral("image.png")));
+    OfflineTextDocument with;
+    with.setHtml(QStringLiteral("<p>before %1after</p>").arg(image));
+    OfflineTextDocument without;
+    without.setHtml(QStringLiteral("<p>before after</p>"));
+
+    QTextDocument usual;
+    usual.setHtml(QStringLiteral("<p>before %1after</p>").arg(image));
+    QVERIFY(usual.size().height() > without.size().height());
+
+    QCOMPARE(with.size(), without.size());
+    QCOMPARE(with.idealWidth(), without.idealWidth());
+}
+
+void tst_OfflineTextDocument::keepsTheText()
+{
+    OfflineTextDocument document;
+    document.setHtml(QStringLiteral("<table><tr><td>A &lt; B</td><td>C</td></tr></table>"
+                                    "<p>&#x5e74;&#x9f62;</p>"));
+    QTextDocument usual;
+    usual.setHtml(document.toHtml());
+    QCOMPARE(document.toPlainText(), usual.toPlainText());
+    QVERIFY(document.toPlainText().contains(QStringLiteral("A < B")));
+}
+
+void tst_OfflineTextDocument::survivesTheNextText()
+{
+    // The report document is used for every frame.
+    const QString path = filePath(QStringLiteral("image.png"));
+    FileAccessSpy spy(path);
+    QVERIFY(spy.isValid());
+    OfflineTextDocument document;
+    for (int i = 0; i < 3; ++i) {
+        document.clear();
+        document.setHtml(QStringLiteral("a<img src=\"%1\">b").arg(path));
+        layOutAndPaint(&document);
+        QVERIFY(!spy.takeAccess());
+    }
+}
+
+QTEST_MAIN(tst_OfflineTextDocument)
+
+#include "tst_offlinetextdocument.moc"

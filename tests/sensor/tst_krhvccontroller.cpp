@@ -1,0 +1,884 @@
+#include "ControllerFixture.h"
+
+#include <QMetaMethod>
+#include <QtTest>
+
+#include <ctime>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <utility>
+
+using PluginKrHvcP2::KrHvcController;
+
+class tst_KrHvcController : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void metaMethods();
+    void parameterNames();
+    void defaults();
+    void errorMessages_data();
+    void errorMessages();
+    void slotsWithoutProcess();
+
+    void commandLine_data();
+    void commandLine();
+    void settingsTakeEffectAtTheNextStart();
+    void nativeProgram();
+    void directories_data();
+    void directories();
+
+    void output_data();
+    void output();
+    void chunkEndsInTheMiddleOfALine();
+    void outputOfADeadProgram();
+    void errorOutputIsDrained();
+    void closedOutput();
+    void grandchildKeepsThePipe();
+
+    void failedStart_data();
+    void failedStart();
+    void failedStartsLeaveNothingOpen();
+    void crash_data();
+    void crash();
+    void normalEnd();
+
+    void stopWithoutProcess();
+    void stopOfAProgram_data();
+    void stopOfAProgram();
+    void stopKey();
+    void stopWhileStarting();
+    void stopTwice();
+    void stopAfterTheEnd();
+    void stopInsideASignal_data();
+    void stopInsideASignal();
+    void outputUnreadAtStop();
+    void errorOfTheStopKey_data();
+    void errorOfTheStopKey();
+
+    void startWhileRunning();
+    void startWhileStarting();
+    void startInsideStarted();
+
+    void deletionInsideASignal_data();
+    void deletionInsideASignal();
+    void deletionWithAProgram_data();
+    void deletionWithAProgram();
+};
+
+void tst_KrHvcController::init()
+{
+    // Any program of this name would be taken for a copy left over.
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+}
+
+void tst_KrHvcController::metaMethods()
+{
+    const QMetaObject &meta = KrHvcController::staticMetaObject;
+    QCOMPARE(meta.className(), "PluginKrHvcP2::KrHvcController");
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+
+    QByteArrayList methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        methods << (method.methodType() == QMetaMethod::Signal ? "signal " : "slot ")
+                + method.methodSignature();
+    }
+    const QByteArrayList expected{
+        "signal started()",
+        "signal startingFailed(QString)",
+        "signal errorOccured(QString)",
+        "signal criticalErrorOccured(QString)",
+        "signal stopped()",
+        "signal dataReceived(QString)",
+        "slot start()",
+        "slot stop()",
+        "slot onReadyReadStandardOutput()",
+        "slot onReadyReadStandardError()",
+        "slot onProcessFinished(int,QProcess::ExitStatus)",
+        "slot onProcessErrorOccured(QProcess::ProcessError)",
+        "slot onProcessStateChanged(QProcess::ProcessState)",
+        "slot killAndStartProcess()",
+        "slot startProcess()",
+    };
+    QCOMPARE(methods, expected);
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+}
+
+void tst_KrHvcController::parameterNames()
+{
+    const QMetaObject &meta = KrHvcController::staticMetaObject;
+    QByteArrayList names;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const auto parameters = meta.method(i).parameterNames();
+        for (const QByteArray &name : parameters)
+            names << name;
+    }
+    QCOMPARE(names,
+        QByteArrayList({"msg", "msg", "msg", "data", "result", "exitStatus", "error", "state"}));
+}
+
+void tst_KrHvcController::defaults()
+{
+    QObject parent;
+    KrHvcController controller(QStringLiteral("/nowhere"), &parent);
+    QCOMPARE(controller.parent(), &parent);
+    QCOMPARE(controller.port(), 3);
+    QCOMPARE(controller.speed(), 921600);
+    controller.setPort(-12);
+    controller.setSpeed(std::numeric_limits<int>::max());
+    QCOMPARE(controller.port(), -12);
+    QCOMPARE(controller.speed(), std::numeric_limits<int>::max());
+    QVERIFY(controller.children().isEmpty()); // no process before start()
+}
+
+void tst_KrHvcController::errorMessages_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::addColumn<QStringList>("log");
+
+    QTest::newRow("failed to start") << int(QProcess::FailedToStart)
+                                     << QStringList{ErrorStart + QLatin1String("Failed to start.")};
+    QTest::newRow("a crash without a process") << int(QProcess::Crashed) << QStringList();
+    QTest::newRow("timed out") << int(QProcess::Timedout)
+                               << QStringList{ErrorStart + QLatin1String("Timeout.")};
+    QTest::newRow("read error") << int(QProcess::ReadError)
+                                << QStringList{ErrorStart + QLatin1String("Read error.")};
+    QTest::newRow("write error") << int(QProcess::WriteError)
+                                 << QStringList{ErrorStart + QLatin1String("Write error.")};
+    QTest::newRow("unknown error")
+        << int(QProcess::UnknownError) << QStringList{ErrorStart + QLatin1String("Unknown error.")};
+    QTest::newRow("an error that Qt does not name yet")
+        << 7 << QStringList{ErrorStart + QLatin1String("Unknown error.")};
+}
+
+void tst_KrHvcController::errorMessages()
+{
+    QFETCH(int, error);
+    QFETCH(QStringList, log);
+
+    const WatchedController watched(QStringLiteral("/nowhere"));
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "onProcessErrorOccured",
+        Q_ARG(QProcess::ProcessError, static_cast<QProcess::ProcessError>(error))));
+    QCOMPARE(watched.log, log);
+}
+
+void tst_KrHvcController::slotsWithoutProcess()
+{
+    const WatchedController watched(QStringLiteral("/nowhere"));
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "onReadyReadStandardOutput"));
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "onReadyReadStandardError"));
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "onProcessFinished", Q_ARG(int, -1),
+        Q_ARG(QProcess::ExitStatus, QProcess::CrashExit)));
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "onProcessStateChanged",
+        Q_ARG(QProcess::ProcessState, QProcess::Starting)));
+    QCOMPARE(watched.log, QStringList());
+}
+
+void tst_KrHvcController::commandLine_data()
+{
+    QTest::addColumn<QVector<int>>("values"); // port, speed, interval; none: as constructed
+    QTest::addColumn<QString>("arguments");
+
+    const int least = std::numeric_limits<int>::min();
+    const int most = std::numeric_limits<int>::max();
+    QTest::newRow("the defaults") << QVector<int>() << QStringLiteral("<3><921600><500>");
+    QTest::newRow("port, speed and interval")
+        << QVector<int>{7, 115200, 1000} << QStringLiteral("<7><115200><1000>");
+    QTest::newRow("zeros") << QVector<int>{0, 0, 0} << QStringLiteral("<0><0><0>");
+    QTest::newRow("values that no sensor knows")
+        << QVector<int>{-1, most, least} << QStringLiteral("<-1><2147483647><-2147483648>");
+}
+
+void tst_KrHvcController::commandLine()
+{
+    QFETCH(QVector<int>, values);
+    QFETCH(QString, arguments);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install("printf '<%s>' \"$@\"\nread line"));
+    const WatchedController watched(directory.path());
+    if (!values.isEmpty()) {
+        watched->setPort(values.at(0));
+        watched->setSpeed(values.at(1));
+        watched->setInterval(values.at(2));
+    }
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ") + arguments};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+}
+
+void tst_KrHvcController::settingsTakeEffectAtTheNextStart()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install("printf '<%s>' \"$@\"\nread line"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QStringList log{QStringLiteral("started"), QStringLiteral("data: <3><921600><500>")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+
+    watched->setPort(4);
+    watched->setSpeed(9600);
+    watched->setInterval(250);
+    watched->start(); // runs already
+    QTest::qWait(50);
+    QCOMPARE(watched.log, log);
+    QCOMPARE(directory.startedCopies().size(), 1);
+
+    watched->stop();
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    watched->start();
+    log << QStringLiteral("stopped") << QStringLiteral("started")
+        << QStringLiteral("data: <4><9600><250>");
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+}
+
+void tst_KrHvcController::nativeProgram()
+{
+    const SensorDirectory directory;
+    QVERIFY(QFile::copy(QStringLiteral(STANDIN), directory.filePath(QStringLiteral("HvcCon.exe"))));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QStringList log{QStringLiteral("started"), QStringLiteral("data: native 3 921600 500\n")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    watched->stop();
+    log << QStringLiteral("stopped");
+    QCOMPARE(watched.log, log);
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+}
+
+void tst_KrHvcController::directories_data()
+{
+    QTest::addColumn<QString>("subdirectory");
+    QTest::addColumn<QString>("ending");
+
+    QTest::newRow("a plain directory") << QStringLiteral("plugins") << QString();
+    QTest::newRow("a slash at its end") << QStringLiteral("plugins") << QStringLiteral("/");
+    QTest::newRow("blanks and quotes") << QStringLiteral("my 'plug' \"ins\"") << QString();
+    QTest::newRow("letters of another script") << QString::fromUtf8("\u65e5\u672c") << QString();
+    QTest::newRow("a way through its parent") << QStringLiteral("a") << QStringLiteral("/../a");
+}
+
+void tst_KrHvcController::directories()
+{
+    QFETCH(QString, subdirectory);
+    QFETCH(QString, ending);
+
+    const SensorDirectory directory(subdirectory);
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path() + ending);
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+}
+
+void tst_KrHvcController::output_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("a whole frame") << QByteArray("Index:0\nFace : 560 , 300, 180, 700\n\n")
+                                   << QStringLiteral("Index:0\nFace : 560 , 300, 180, 700\n\n");
+    QTest::newRow("half a line") << QByteArray("Index:0\nAge:3")
+                                 << QStringLiteral("Index:0\nAge:3");
+    QTest::newRow("line ends of Windows are kept")
+        << QByteArray("a\r\nb\r\n") << QStringLiteral("a\r\nb\r\n");
+    QTest::newRow("blanks are kept") << QByteArray("  a \t\n ") << QStringLiteral("  a \t\n ");
+    QTest::newRow("letters of more than one byte")
+        << QByteArray("\xe5\xb9\xb4 \xf0\x9f\x98\x80") << QString::fromUtf8("\u5e74 \U0001f600");
+    QTest::newRow("each byte of half a letter")
+        << QByteArray("a\xe5\xb9") << QStringLiteral("a\ufffd\ufffd");
+    QTest::newRow("bytes that are no text") << QByteArray("a\xff"
+                                                          "b")
+                                            << QStringLiteral("a\ufffdb");
+    QTest::newRow("the text behind a NUL is kept")
+        << QByteArray("ab\0cd", 5) << QString::fromUtf8("ab\0cd", 5);
+    QTest::newRow("place markers stay") << QByteArray("%1 %2 %%") << QStringLiteral("%1 %2 %%");
+}
+
+void tst_KrHvcController::output()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.write(QStringLiteral("output"), bytes));
+    QVERIFY(directory.install("cat \"$dir/output\"\nread line"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ") + text};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+}
+
+void tst_KrHvcController::chunkEndsInTheMiddleOfALine()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install("printf 'Index:0\\nFace : 56'\n"
+                              "while [ ! -e \"$dir/go\" ]; do sleep 0.05; done\n"
+                              "printf '0 , 300\\n'\n"
+                              "read line"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QStringList log{QStringLiteral("started"), QStringLiteral("data: Index:0\nFace : 56")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QVERIFY(directory.write(QStringLiteral("go")));
+    log << QStringLiteral("data: 0 , 300\n"); // the halves are not joined
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+}
+
+void tst_KrHvcController::outputOfADeadProgram()
+{
+    QByteArray bytes;
+    while (bytes.size() < 100000)
+        bytes += "line " + QByteArray::number(bytes.size()) + '\n';
+    const SensorDirectory directory;
+    QVERIFY(directory.write(QStringLiteral("output"), bytes));
+    QVERIFY(directory.install("cat \"$dir/output\"\nkill -ABRT $$"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QString crashed = ErrorStart + QLatin1String("Crashed.");
+    QTRY_VERIFY_WITH_TIMEOUT(watched.log.contains(crashed), Patience);
+
+    // Everything that was said has arrived before.
+    QCOMPARE(watched.log.first(), QStringLiteral("started"));
+    QCOMPARE(watched.log.last(), crashed);
+    QString text;
+    for (int i = 1; i < watched.log.size() - 1; ++i) {
+        QVERIFY(watched.log.at(i).startsWith(QLatin1String("data: ")));
+        text += watched.log.at(i).mid(6);
+    }
+    QCOMPARE(text, QString::fromLatin1(bytes));
+}
+
+void tst_KrHvcController::errorOutputIsDrained()
+{
+    // More than a pipe holds, so the program would hang if nobody read it.
+    const SensorDirectory directory;
+    QVERIFY(directory.write(QStringLiteral("output"), QByteArray(1000000, 'x')));
+    QVERIFY(directory.install("cat \"$dir/output\" >&2\n: > \"$dir/done\"\nread line"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QTRY_VERIFY_WITH_TIMEOUT(directory.exists(QStringLiteral("done")), Patience);
+    QCOMPARE(watched.log, QStringList{QStringLiteral("started")});
+}
+
+void tst_KrHvcController::closedOutput()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install("printf ready\nexec 1>&-\n: > \"$dir/done\"\nread line"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(directory.exists(QStringLiteral("done")), Patience);
+
+    const std::clock_t before = std::clock();
+    QTest::qWait(400);
+    const double seconds = double(std::clock() - before) / CLOCKS_PER_SEC;
+    QVERIFY2(seconds < 0.2, "the event loop spins"); // of 0.4 s
+    QCOMPARE(watched.log, log);
+    QCOMPARE(directory.livingCopies().size(), 1);
+}
+
+void tst_KrHvcController::grandchildKeepsThePipe()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install("sleep 8 &\nprintf ready\nexit 0"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, 4000); // less than the grandchild's 8 s
+    const auto *process = watched->findChild<QProcess *>();
+    QVERIFY(process != nullptr);
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, 4000);
+
+    // The next start is not held up either.
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "startProcess"));
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log + log, Patience);
+}
+
+void tst_KrHvcController::failedStart_data()
+{
+    QTest::addColumn<QString>("kind");
+
+    QTest::newRow("no such program") << QStringLiteral("missing");
+    QTest::newRow("no such directory") << QStringLiteral("no directory");
+    QTest::newRow("not executable") << QStringLiteral("not executable");
+    QTest::newRow("a directory of that name") << QStringLiteral("directory");
+    QTest::newRow("an empty file") << QStringLiteral("empty");
+    QTest::newRow("ten bytes of a program") << QStringLiteral("cut");
+    QTest::newRow("a script without its interpreter") << QStringLiteral("no interpreter");
+    QTest::newRow("a link to nothing") << QStringLiteral("dangling link");
+}
+
+void tst_KrHvcController::failedStart()
+{
+    QFETCH(QString, kind);
+
+    const SensorDirectory directory;
+    const QString name = QStringLiteral("HvcCon.exe");
+    const QString program = directory.filePath(name);
+    const QFile::Permissions executable = QFile::ReadOwner | QFile::ExeOwner;
+    if (kind == QLatin1String("not executable")) {
+        QVERIFY(directory.install(StandIn::EndsOnKey));
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner));
+    } else if (kind == QLatin1String("directory")) {
+        QVERIFY(QDir().mkpath(program));
+    } else if (kind == QLatin1String("empty")) {
+        QVERIFY(directory.write(name) && QFile::setPermissions(program, executable));
+    } else if (kind == QLatin1String("cut")) {
+        QVERIFY(directory.write(name,
+                    QByteArray("\x7f"
+                               "ELF\x02\x01\x01\0\0\0",
+                        10))
+            && QFile::setPermissions(program, executable));
+    } else if (kind == QLatin1String("no interpreter")) {
+        QVERIFY(
+            directory.write(name, "#!/nowhere/sh\n") && QFile::setPermissions(program, executable));
+    } else if (kind == QLatin1String("dangling link")) {
+        QVERIFY(QFile::link(directory.filePath(QStringLiteral("nothing")), program));
+    }
+
+    const WatchedController watched(kind == QLatin1String("no directory")
+            ? directory.filePath(QStringLiteral("nowhere"))
+            : directory.path());
+    watched->start();
+    const QStringList log{ErrorStart + QLatin1String("Failed to start.")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QTest::qWait(50);
+    QCOMPARE(watched.log, log); // said once
+    QVERIFY(directory.startedCopies().isEmpty());
+
+    watched->stop();
+    QCOMPARE(watched.log, log + QStringList{QStringLiteral("stopped")});
+}
+
+static int openFiles()
+{
+    return QDir(QStringLiteral("/proc/self/fd"))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries)
+        .size();
+}
+
+void tst_KrHvcController::failedStartsLeaveNothingOpen()
+{
+    const SensorDirectory directory;
+    const WatchedController watched(directory.path());
+    const auto tryAgain = [&watched](int count) {
+        QVERIFY(QMetaObject::invokeMethod(watched.controller, "startProcess"));
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), count, Patience);
+    };
+    tryAgain(1);
+    const int before = openFiles();
+    for (int count = 2; count <= 50; ++count)
+        tryAgain(count);
+    QCOMPARE(openFiles(), before);
+    QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
+}
+
+void tst_KrHvcController::crash_data()
+{
+    QTest::addColumn<QByteArray>("signal");
+
+    QTest::newRow("aborts") << QByteArray("ABRT");
+    QTest::newRow("touches foreign memory") << QByteArray("SEGV");
+    QTest::newRow("is ended from outside") << QByteArray("KILL");
+    QTest::newRow("is asked to end from outside") << QByteArray("TERM");
+}
+
+void tst_KrHvcController::crash()
+{
+    QFETCH(QByteArray, signal);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install("kill -" + signal + " $$"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), ErrorStart + QLatin1String("Crashed.")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QTest::qWait(50);
+    QCOMPARE(watched.log, log); // said once, by one of the two error signals
+}
+
+void tst_KrHvcController::normalEnd()
+{
+    // Not an error, whatever it returns.
+    for (const QByteArray &status : {QByteArray("0"), QByteArray("1"), QByteArray("255")}) {
+        const SensorDirectory directory;
+        QVERIFY(directory.install("exit " + status));
+        const WatchedController watched(directory.path());
+        watched->start();
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 1, Patience);
+        const auto *process = watched->findChild<QProcess *>();
+        QVERIFY(process != nullptr);
+        QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, Patience);
+        QCOMPARE(process->exitCode(), status.toInt());
+        QCOMPARE(watched.log, QStringList{QStringLiteral("started")});
+    }
+}
+
+void tst_KrHvcController::stopWithoutProcess()
+{
+    const WatchedController watched(QStringLiteral("/nowhere"));
+    QElapsedTimer clock;
+    clock.start();
+    watched->stop();
+    watched->stop();
+    QVERIFY(clock.elapsed() < 500);
+    QCoreApplication::processEvents();
+    QCOMPARE(watched.log, QStringList());
+}
+
+void tst_KrHvcController::stopOfAProgram_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QStringList>("log"); // of stop()
+
+    const QStringList stopped{QStringLiteral("stopped")};
+    QTest::newRow("that ends on the key") << StandIn::EndsOnKey << stopped;
+    QTest::newRow("that needs its time after the key")
+        << QByteArray(StandIn::EndsOnKey + "\nsleep 10") << stopped;
+    QTest::newRow("that never reads the key")
+        << QByteArray("printf ready\nwhile :; do sleep 1; done") << stopped;
+    QTest::newRow("that ignores the key and polite signals")
+        << StandIn::IgnoresEverything << stopped;
+    QTest::newRow("that is suspended") << QByteArray("printf ready\nkill -STOP $$") << stopped;
+    QTest::newRow("that has closed its output")
+        << QByteArray("printf ready\nexec 1>&- 2>&-\nread line") << stopped;
+    QTest::newRow("that has closed its input")
+        << StandIn::ClosesItsInput
+        << QStringList{ErrorStart + QLatin1String("Write error."), QStringLiteral("stopped")};
+}
+
+void tst_KrHvcController::stopOfAProgram()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QStringList, log);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(script));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList running{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, running, Patience);
+    QCOMPARE(directory.livingCopies().size(), 1);
+
+    QElapsedTimer clock;
+    clock.start();
+    watched->stop();
+    QVERIFY(clock.elapsed() < 1500); // the key may take 1 s
+    QCOMPARE(watched.log, running + log);
+
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), 1500);
+    QTRY_VERIFY(watched->findChildren<QProcess *>().isEmpty());
+    QCOMPARE(watched.log, running + log); // its forced end is not reported as a crash
+    QCOMPARE(directory.startedCopies().size(), 1);
+}
+
+void tst_KrHvcController::stopKey()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install("printf ready\ncat > \"$dir/key\""));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+    watched->stop();
+    // Without the event loop, in which the program is ended.
+    const QString key = QStringLiteral("key");
+    QVERIFY(blockUntil([&] { return !directory.read(key).isEmpty(); }));
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    QCOMPARE(directory.read(key), QByteArray(" "));
+}
+
+void tst_KrHvcController::stopWhileStarting()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::IgnoresEverything));
+    const WatchedController watched(directory.path());
+    watched->start();
+    watched->stop();
+    QCOMPARE(watched.log.count(QStringLiteral("stopped")), 1);
+    QTRY_VERIFY(watched->findChildren<QProcess *>().isEmpty());
+    QVERIFY(directory.livingCopies().isEmpty());
+    QCOMPARE(watched.log.count(QStringLiteral("stopped")), 1);
+    QVERIFY(watched.log.filter(QStringLiteral("error")).isEmpty());
+}
+
+void tst_KrHvcController::stopTwice()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+    watched->stop();
+    watched->stop();
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    watched->stop();
+    QCOMPARE(watched.log,
+        QStringList(
+            {QStringLiteral("started"), QStringLiteral("data: ready"), QStringLiteral("stopped")}));
+}
+
+void tst_KrHvcController::stopAfterTheEnd()
+{
+    // The ended process still exists, so its end is announced.
+    const SensorDirectory directory;
+    QVERIFY(directory.install("exit 0"));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 1, Patience);
+    const auto *process = watched->findChild<QProcess *>();
+    QVERIFY(process != nullptr);
+    QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, Patience);
+    watched->stop();
+    QCOMPARE(watched.log, QStringList({QStringLiteral("started"), QStringLiteral("stopped")}));
+}
+
+/// Runs @p action once, inside the signal of @p controller.
+static void onSignal(
+    KrHvcController *controller, const QString &signal, const std::function<void()> &action)
+{
+    const auto once = [action, done = std::make_shared<bool>(false)] {
+        if (!std::exchange(*done, true))
+            action();
+    };
+    if (signal == QLatin1String("started"))
+        QObject::connect(controller, &KrHvcController::started, controller, once);
+    else if (signal == QLatin1String("dataReceived"))
+        QObject::connect(controller, &KrHvcController::dataReceived, controller, once);
+    else if (signal == QLatin1String("errorOccured"))
+        QObject::connect(controller, &KrHvcController::errorOccured, controller, once);
+    else
+        QObject::connect(controller, &KrHvcController::stopped, controller, once);
+}
+
+void tst_KrHvcController::stopInsideASignal_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QByteArray>("script"); // empty: there is no program
+    QTest::addColumn<QStringList>("log");
+
+    const QString started = QStringLiteral("started");
+    const QString ready = QStringLiteral("data: ready");
+    const QString stopped = QStringLiteral("stopped");
+    QTest::newRow("started") << started << StandIn::IgnoresEverything
+                             << QStringList{started, stopped};
+    QTest::newRow("dataReceived") << QStringLiteral("dataReceived") << StandIn::IgnoresEverything
+                                  << QStringList{ready, stopped};
+    QTest::newRow("errorOccured of a failed start")
+        << QStringLiteral("errorOccured") << QByteArray()
+        << QStringList{ErrorStart + QLatin1String("Failed to start."), stopped};
+    QTest::newRow("errorOccured of a crash")
+        << QStringLiteral("errorOccured") << QByteArray("kill -ABRT $$")
+        << QStringList{started, ErrorStart + QLatin1String("Crashed."), stopped};
+    QTest::newRow("stopped") << stopped << StandIn::EndsOnKey
+                             << QStringList{started, ready, stopped};
+}
+
+void tst_KrHvcController::stopInsideASignal()
+{
+    QFETCH(QString, signal);
+    QFETCH(QByteArray, script);
+    QFETCH(QStringList, log);
+
+    const SensorDirectory directory;
+    if (!script.isEmpty())
+        QVERIFY(directory.install(script));
+    const WatchedController watched(directory.path());
+    onSignal(watched.controller, signal, [&watched] { watched->stop(); });
+    watched->start();
+    if (signal == QLatin1String("stopped")) {
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+        watched->stop();
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(watched.log.contains(QStringLiteral("stopped")), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    QTRY_VERIFY(watched->findChildren<QProcess *>().isEmpty());
+    // Either of the two may come first.
+    if (signal == QLatin1String("started"))
+        QCOMPARE(without(watched.log, QStringLiteral("data")), log);
+    else if (signal == QLatin1String("dataReceived"))
+        QCOMPARE(without(watched.log, QStringLiteral("started")), log);
+    else // the key of a crashed program may fail in addition
+        QCOMPARE(without(watched.log, ErrorStart + QLatin1String("Write error.")), log);
+}
+
+void tst_KrHvcController::outputUnreadAtStop()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::SaysMoreLater));
+    WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+    watched.log.clear();
+    QVERIFY(directory.write(QStringLiteral("go")));
+    QVERIFY(blockUntil([&] { return directory.exists(QStringLiteral("done")); }));
+
+    watched->stop();
+    // Whether the wait for the key delivers it is the system's affair; afterwards nothing comes.
+    const QStringList log = watched.log;
+    QCOMPARE(without(log, QStringLiteral("data: more")), QStringList{QStringLiteral("stopped")});
+    QCOMPARE(log.last(), QStringLiteral("stopped"));
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    QCOMPARE(watched.log, log);
+}
+
+void tst_KrHvcController::errorOfTheStopKey_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QStringList>("log"); // of stop()
+
+    const QString error = ErrorStart + QLatin1String("Write error.");
+    const QString stopped = QStringLiteral("stopped");
+    QTest::newRow("its receiver stops again")
+        << QStringLiteral("stop") << QStringList{error, stopped};
+    QTest::newRow("its receiver deletes the controller")
+        << QStringLiteral("delete") << QStringList{error};
+}
+
+void tst_KrHvcController::errorOfTheStopKey()
+{
+    QFETCH(QString, action);
+    QFETCH(QStringList, log);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::ClosesItsInput));
+    WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+    watched.log.clear();
+    const bool deletes = action == QLatin1String("delete");
+    onSignal(watched.controller, QStringLiteral("errorOccured"), [&] {
+        if (deletes)
+            delete watched.controller;
+        else
+            watched->stop();
+    });
+    watched->stop();
+    // A second key fails like the first.
+    watched.log.removeDuplicates();
+    QCOMPARE(watched.log, log);
+    QCOMPARE(watched.controller.isNull(), deletes);
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    QCOMPARE(watched.log, log);
+}
+
+void tst_KrHvcController::startWhileRunning()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+
+    const auto *process = watched->findChild<QProcess *>();
+    watched->start();
+    QVERIFY(QMetaObject::invokeMethod(watched.controller, "startProcess"));
+    QTest::qWait(100);
+    QCOMPARE(watched.log, log);
+    QCOMPARE(directory.startedCopies().size(), 1);
+    QCOMPARE(directory.livingCopies().size(), 1);
+    QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
+    QCOMPARE(watched->findChild<QProcess *>(), process);
+}
+
+void tst_KrHvcController::startWhileStarting()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::IgnoresEverything));
+    const WatchedController watched(directory.path());
+    watched->start();
+    watched->start();
+    watched->start();
+    QTRY_VERIFY_WITH_TIMEOUT(watched.log.contains(QStringLiteral("data: ready")), Patience);
+    QCOMPARE(watched.log.last(), QStringLiteral("data: ready"));
+    QCOMPARE(directory.livingCopies().size(), 1);
+    QTRY_COMPARE(watched->findChildren<QProcess *>().size(), 1);
+    QVERIFY(watched.log.filter(QStringLiteral("error")).isEmpty());
+    QVERIFY(!watched.log.contains(QStringLiteral("stopped")));
+}
+
+void tst_KrHvcController::startInsideStarted()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path());
+    onSignal(watched.controller, QStringLiteral("started"), [&watched] { watched->start(); });
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QCOMPARE(directory.startedCopies().size(), 1);
+    QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
+}
+
+void tst_KrHvcController::deletionInsideASignal_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QByteArray>("script"); // empty: there is no program
+
+    QTest::newRow("started") << QStringLiteral("started") << StandIn::IgnoresEverything;
+    QTest::newRow("dataReceived") << QStringLiteral("dataReceived") << StandIn::IgnoresEverything;
+    QTest::newRow("errorOccured of a failed start")
+        << QStringLiteral("errorOccured") << QByteArray();
+    QTest::newRow("errorOccured of a crash")
+        << QStringLiteral("errorOccured") << QByteArray("kill -ABRT $$");
+    QTest::newRow("stopped") << QStringLiteral("stopped") << StandIn::IgnoresEverything;
+}
+
+void tst_KrHvcController::deletionInsideASignal()
+{
+    QFETCH(QString, signal);
+    QFETCH(QByteArray, script);
+
+    const SensorDirectory directory;
+    if (!script.isEmpty())
+        QVERIFY(directory.install(script));
+    WatchedController watched(directory.path());
+    onSignal(watched.controller, signal, [&watched] { delete watched.controller; });
+    watched->start();
+    if (signal == QLatin1String("stopped")) {
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+        watched->stop();
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(watched.controller.isNull(), Patience);
+    const QStringList log = watched.log;
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    QTest::qWait(20);
+    QCOMPARE(watched.log, log);
+}
+
+void tst_KrHvcController::deletionWithAProgram_data()
+{
+    QTest::addColumn<QByteArray>("script");
+
+    QTest::newRow("that ignores everything") << StandIn::IgnoresEverything;
+    QTest::newRow("that is suspended") << QByteArray("printf ready\nkill -STOP $$");
+    QTest::newRow("that floods its output")
+        << QByteArray("printf ready\nwhile :; do printf 'a line of output\\n'; done");
+}
+
+void tst_KrHvcController::deletionWithAProgram()
+{
+    QFETCH(QByteArray, script);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(script));
+    auto watched = std::make_unique<WatchedController>(directory.path());
+    watched->controller->start();
+    QTRY_VERIFY_WITH_TIMEOUT(watched->log.size() >= 2, Patience);
+    QElapsedTimer clock;
+    clock.start();
+    watched.reset();
+    QVERIFY(clock.elapsed() < 1500);
+    QVERIFY(directory.livingCopies().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_KrHvcController)
+
+#include "tst_krhvccontroller.moc"

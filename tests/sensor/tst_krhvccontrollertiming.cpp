@@ -1,0 +1,203 @@
+#include "ControllerFixture.h"
+
+#include <QProcess>
+#include <QtTest>
+
+using PluginKrHvcP2::KrHvcController;
+
+namespace {
+
+// The timers may be 5 % early; a busy machine makes them late.
+constexpr int Restart = 5000 - 250;
+constexpr int StaleRestart = 5100 - 250;
+constexpr int Late = 3000;
+
+} // namespace
+
+/// What takes the controller's own delays of 5 s. Few tests on purpose.
+class tst_KrHvcControllerTiming : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void restarts();
+    void staleCopies();
+    void nothingStartsAfterStop();
+    void stopAndStart_data();
+    void stopAndStart();
+};
+
+void tst_KrHvcControllerTiming::init()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+}
+
+void tst_KrHvcControllerTiming::restarts()
+{
+    // Missing at first, then crashing, then ending, then running.
+    const SensorDirectory directory;
+    const WatchedController watched(directory.path());
+    watched->start();
+    QStringList log{ErrorStart + QLatin1String("Failed to start.")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+
+    QVERIFY(directory.install("printf one\nkill -ABRT $$"));
+    log << QStringLiteral("started") << QStringLiteral("data: one")
+        << ErrorStart + QLatin1String("Crashed.");
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    qint64 delay = watched.times.at(1) - watched.times.at(0);
+    QVERIFY2(delay >= Restart && delay <= Restart + Late, QByteArray::number(delay).constData());
+
+    QVERIFY(directory.install("printf two"));
+    log << QStringLiteral("started") << QStringLiteral("data: two");
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    delay = watched.times.at(4) - watched.times.at(3);
+    QVERIFY2(delay >= Restart && delay <= Restart + Late, QByteArray::number(delay).constData());
+
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    log << QStringLiteral("started") << QStringLiteral("data: ready");
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    delay = watched.times.at(6) - watched.times.at(5);
+    QVERIFY2(delay >= Restart && delay <= Restart + Late, QByteArray::number(delay).constData());
+    QCOMPARE(directory.livingCopies().size(), 1);
+    QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
+}
+
+void tst_KrHvcControllerTiming::staleCopies()
+{
+    // A program and a script, in odd letter case, that somebody else has started.
+    const SensorDirectory elsewhere;
+    QVERIFY(QFile::copy(QStringLiteral(STANDIN), elsewhere.filePath(QStringLiteral("hvccon.EXE"))));
+    QVERIFY(elsewhere.install(StandIn::IgnoresEverything, QStringLiteral("HVCCON.exe")));
+    QProcess program;
+    QProcess script;
+    program.start(elsewhere.filePath(QStringLiteral("hvccon.EXE")), QStringList());
+    script.start(elsewhere.filePath(QStringLiteral("HVCCON.exe")), QStringList());
+    QVERIFY(program.waitForReadyRead(Patience));
+    QVERIFY(script.waitForReadyRead(Patience));
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path());
+    watched->start();
+    QVERIFY(watched->findChildren<QProcess *>().isEmpty()); // only the ending is scheduled
+
+    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QProcess::NotRunning, Patience);
+    const qint64 ended = watched.elapsed();
+    QVERIFY2(ended >= Restart, QByteArray::number(ended).constData());
+    QCOMPARE(program.exitStatus(), QProcess::CrashExit);
+    QTRY_COMPARE_WITH_TIMEOUT(script.state(), QProcess::NotRunning, Patience);
+
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    const qint64 started = watched.times.at(0);
+    QVERIFY2(started >= StaleRestart, QByteArray::number(started).constData());
+    QCOMPARE(directory.startedCopies().size(), 1);
+    QCOMPARE(directory.livingCopies().size(), 1);
+}
+
+void tst_KrHvcControllerTiming::nothingStartsAfterStop()
+{
+    const QString started = QStringLiteral("started");
+    const QString stopped = QStringLiteral("stopped");
+
+    // Stopped while it ran.
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController running(directory.path());
+    running->start();
+    QTRY_COMPARE_WITH_TIMEOUT(running.log.size(), 2, Patience);
+    running->stop();
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+
+    // Stopped between its end and the next try.
+    QVERIFY(directory.install("exit 0"));
+    const WatchedController ended(directory.path());
+    ended->start();
+    QTRY_COMPARE_WITH_TIMEOUT(ended.log.size(), 1, Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        ended->findChild<QProcess *>()->state(), QProcess::NotRunning, Patience);
+    ended->stop();
+
+    // Stopped by the receiver of its error.
+    const SensorDirectory empty;
+    const WatchedController failed(empty.path());
+    connect(failed.controller, &KrHvcController::errorOccured, failed.controller,
+        [&failed] { failed->stop(); });
+    failed->start();
+    QTRY_COMPARE_WITH_TIMEOUT(failed.log.size(), 2, Patience);
+    QVERIFY(empty.install(StandIn::EndsOnKey)); // a second try would work
+
+    // Stopped while it waits for a copy to be ended.
+    const SensorDirectory elsewhere;
+    QVERIFY(elsewhere.install(StandIn::IgnoresEverything));
+    QProcess copy;
+    copy.start(elsewhere.filePath(QStringLiteral("HvcCon.exe")), QStringList());
+    QVERIFY(copy.waitForReadyRead(Patience));
+    const WatchedController waiting(directory.path());
+    waiting->start();
+    waiting->stop();
+
+    // The copy is ended all the same; by then the other delays are over.
+    QTRY_COMPARE_WITH_TIMEOUT(copy.state(), QProcess::NotRunning, Patience);
+    QVERIFY(waiting.elapsed() >= Restart);
+    QTest::qWait(1000);
+    QCOMPARE(running.log, QStringList({started, QStringLiteral("data: ready"), stopped}));
+    QCOMPARE(ended.log, QStringList({started, stopped}));
+    QCOMPARE(failed.log, QStringList({ErrorStart + QLatin1String("Failed to start."), stopped}));
+    QCOMPARE(waiting.log, QStringList()); // there was no process to stop
+    QCOMPARE(directory.startedCopies().size(), 2);
+    QCOMPARE(empty.startedCopies().size(), 0);
+}
+
+void tst_KrHvcControllerTiming::stopAndStart_data()
+{
+    QTest::addColumn<int>("when");
+
+    QTest::newRow("start right after stop") << 0;
+    QTest::newRow("start in the signal of stop") << 1;
+    QTest::newRow("start by the error of the stop key") << 2;
+}
+
+void tst_KrHvcControllerTiming::stopAndStart()
+{
+    QFETCH(int, when);
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(when == 2 ? StandIn::ClosesItsInput : StandIn::IgnoresEverything));
+    WatchedController watched(directory.path());
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+
+    QObject context;
+    int starts = 0;
+    const auto startOnce = [&] {
+        if (++starts == 1)
+            watched->start();
+    };
+    if (when == 1)
+        connect(watched.controller, &KrHvcController::stopped, &context, startOnce);
+    if (when == 2)
+        connect(watched.controller, &KrHvcController::errorOccured, &context, startOnce);
+    watched.log.clear();
+    watched->stop();
+    if (when == 0)
+        startOnce();
+    QCOMPARE(starts, 1);
+
+    QStringList log{
+        QStringLiteral("stopped"), QStringLiteral("started"), QStringLiteral("data: ready")};
+    if (when == 2)
+        log.prepend(ErrorStart + QLatin1String("Write error."));
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QCOMPARE(directory.startedCopies().size(), 2);
+    QCOMPARE(directory.livingCopies().size(), 1);
+    QTRY_COMPARE(watched->findChildren<QProcess *>().size(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_KrHvcControllerTiming)
+
+#include "tst_krhvccontrollertiming.moc"
