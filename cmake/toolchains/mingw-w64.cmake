@@ -1,0 +1,18 @@
+# Cross build for 64-bit Windows with Debian's MinGW-w64 (posix threads, as Qt is built with).
+# KRHVC_WINDOWS_QT, in the environment or the cache, is the folder of a Qt built for it.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+set(KRHVC_WINDOWS_QT "$ENV{KRHVC_WINDOWS_QT}" CACHE PATH "Qt 5 built for MinGW-w64")
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES KRHVC_WINDOWS_QT)
+
+set(CMAKE_PREFIX_PATH "${KRHVC_WINDOWS_QT}")
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 "${KRHVC_WINDOWS_QT}")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
