@@ -17,6 +17,7 @@ public:
     CardItem(const StageContent &content, int count, QGraphicsItem *parent = nullptr);
 
     const StageContent &content() const { return m_content; }
+    int count() const { return m_count; }
 
     /// The texts and the picture keep inside @p textArea, the colour fills @p size.
     void setGeometry(const QSizeF &size, const QRectF &textArea);

@@ -17,6 +17,8 @@ QString kindName(PlayerEvent::Kind kind)
         return QStringLiteral("switch");
     case PlayerEvent::Signal:
         return QStringLiteral("signal");
+    case PlayerEvent::Edit:
+        return QStringLiteral("edit");
     case PlayerEvent::Log:
         break;
     }
@@ -34,6 +36,8 @@ QColor kindColor(PlayerEvent::Kind kind)
         return {0xff, 0xc8, 0x57};
     case PlayerEvent::Signal:
         return {0x9b, 0xe1, 0x9d};
+    case PlayerEvent::Edit:
+        return {0xc3, 0xb1, 0xff};
     case PlayerEvent::Log:
         break;
     }

@@ -15,12 +15,13 @@ struct PlayerEvent
         Player, ///< the player itself did something
         Status, ///< the plug-in's status code changed
         Switch, ///< contentStarted: the stage switches
-        Signal, ///< any other signal of the plug-in but its log messages
+        Signal, ///< any other signal of the plug-in but its log and edit messages
+        Edit, ///< the stage was changed in a dialog of the plug-in
         Log ///< throwLogMessage
     };
 
     Kind kind = Player;
-    QString signal; // name of the plug-in's signal; empty for kinds Player and Status
+    QString signal; // name of the plug-in's signal; empty for kinds Player, Status and Edit
     QString details;
     QTime time = QTime::currentTime();
 

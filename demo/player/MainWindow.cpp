@@ -2,13 +2,20 @@
 
 #include "StagePlayer.h"
 #include "StageView.h"
+#include "host/KrPluginGuiInterface.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -22,6 +29,7 @@ namespace {
 
 constexpr int PaneWidth = 380;
 constexpr int Margin = 14;
+constexpr int EditMessageTimeout = 10000; // ms
 
 QFont scaled(QFont font, qreal factor, int weight)
 {
@@ -43,6 +51,34 @@ void makeFaint(QLabel *label)
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, QColor(0x9a, 0xa5, 0xb1));
     label->setPalette(palette);
+}
+
+QPalette darkPalette()
+{
+    const QColor text(0xe4, 0xe8, 0xec);
+    const QColor disabled(0x6b, 0x75, 0x80);
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor(0x1b, 0x20, 0x26));
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, QColor(0x14, 0x18, 0x1d));
+    palette.setColor(QPalette::AlternateBase, QColor(0x19, 0x1e, 0x24));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, QColor(0x2c, 0x34, 0x3d));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, QColor(0x2c, 0x34, 0x3d));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::Highlight, QColor(0x3a, 0x78, 0xc2));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, disabled);
+    palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
+    return palette;
+}
+
+QString withoutMnemonic(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 QColor statusColor(int status)
@@ -67,7 +103,8 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     : QMainWindow(parent)
     , m_player(player)
 {
-    setWindowTitle(tr("%1 - Stage Player").arg(player->stage().title()));
+    setPalette(darkPalette());
+    createMenus();
     auto *const central = new QWidget(this);
     auto *const layout = new QHBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -84,33 +121,20 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
 
     connect(&player->host(), &PluginHost::statusChanged, this, &MainWindow::showStatus);
     connect(player, &StagePlayer::currentChanged, this, &MainWindow::showCurrent);
+    connect(player, &StagePlayer::stageChanged, this, &MainWindow::showStage);
+    connect(&player->log(), &EventLog::appended, this, [this](const PlayerEvent &event) {
+        if (event.kind == PlayerEvent::Edit) // too long for the list
+            statusBar()->showMessage(event.details, EditMessageTimeout);
+    });
     showStatus(player->host().status());
     showCurrent();
-    resize(1480, 642); // the stage fills its side
+    showStage();
+    resize(1480, 642 + menuBar()->sizeHint().height()); // the stage fills its side
 }
 
 void MainWindow::applyTheme()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    const QColor text(0xe4, 0xe8, 0xec);
-    const QColor disabled(0x6b, 0x75, 0x80);
-    QPalette palette;
-    palette.setColor(QPalette::Window, QColor(0x1b, 0x20, 0x26));
-    palette.setColor(QPalette::WindowText, text);
-    palette.setColor(QPalette::Base, QColor(0x14, 0x18, 0x1d));
-    palette.setColor(QPalette::AlternateBase, QColor(0x19, 0x1e, 0x24));
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::Button, QColor(0x2c, 0x34, 0x3d));
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::BrightText, Qt::white);
-    palette.setColor(QPalette::ToolTipBase, QColor(0x2c, 0x34, 0x3d));
-    palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::Highlight, QColor(0x3a, 0x78, 0xc2));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, disabled);
-    palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
-    QApplication::setPalette(palette);
 }
 
 void MainWindow::showPluginInformation()
@@ -122,6 +146,87 @@ void MainWindow::showPluginInformation()
     m_vendor->setToolTip(plugin.copyright + QLatin1Char('\n') + plugin.url);
     m_description->setText(plugin.description);
 
+    fillPluginMenu();
+    showFiles();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(mayClose());
+    if (event->isAccepted())
+        emit closed();
+}
+
+void MainWindow::createMenus()
+{
+    QMenu *const file = menuBar()->addMenu(tr("&File"));
+    file->setObjectName(QStringLiteral("fileMenu"));
+    const auto add = [file](const QString &name, const QString &text, const QKeySequence &keys) {
+        QAction *const action = file->addAction(text);
+        action->setObjectName(name);
+        action->setShortcut(keys);
+        return action;
+    };
+    connect(add(QStringLiteral("save"), tr("&Save stage"), QKeySequence::Save), &QAction::triggered,
+        this, &MainWindow::save);
+    connect(add(QStringLiteral("saveAs"), tr("Save stage &as..."), tr("Ctrl+Shift+S")),
+        &QAction::triggered, this, &MainWindow::saveAs);
+    file->addSeparator();
+    connect(add(QStringLiteral("close"), tr("&Close"), tr("Ctrl+Q")), &QAction::triggered, this,
+        &QWidget::close);
+
+    // Alt+P belongs to a button.
+    m_pluginMenu = menuBar()->addMenu(tr("Plug-&in"));
+    m_pluginMenu->setObjectName(QStringLiteral("pluginMenu"));
+    m_pluginMenu->setEnabled(false);
+    // Of this, not of the menu above: that one is filled anew.
+    m_editMenu = new QMenu(tr("&Edit content"), this);
+    m_editMenu->setObjectName(QStringLiteral("editMenu"));
+    for (QWidget *const menu : {file, m_pluginMenu, m_editMenu})
+        menu->setPalette(darkPalette()); // windows of their own do not inherit it
+}
+
+void MainWindow::fillPluginMenu()
+{
+    m_pluginMenu->clear(); // deletes no action that belongs to somebody else
+    Kora::KrPluginGuiInterface *const gui = m_player->host().gui();
+    m_pluginMenu->setEnabled(gui);
+    if (!gui)
+        return;
+    if (gui->canAddContents())
+        m_pluginMenu->addActions(gui->addContentActions());
+    if (gui->canEditContents())
+        m_pluginMenu->addMenu(m_editMenu);
+    if (gui->hasPluginPropertyActions()) {
+        m_pluginMenu->addSeparator();
+        m_pluginMenu->addActions(gui->pluginPropertyActions());
+    }
+}
+
+void MainWindow::showStage()
+{
+    setWindowTitle(tr("%1[*] - Stage Player").arg(m_player->stage().title()));
+    setWindowModified(m_player->isModified());
+    showFiles();
+
+    const QVector<StageContent> &contents = m_player->contents();
+    while (m_editActions.size() > contents.size())
+        m_editActions.takeLast()->deleteLater(); // it may just have been chosen
+    for (int i = 0; i < contents.size(); ++i) {
+        if (i == m_editActions.size()) {
+            m_editActions << m_editMenu->addAction(QString());
+            m_editActions.last()->setObjectName(QStringLiteral("edit%1").arg(i + 1));
+            connect(m_editActions.last(), &QAction::triggered, this, [this, i] { editContent(i); });
+        }
+        m_editActions.at(i)->setText(
+            tr("Edit content #%1  %2")
+                .arg(QString::number(i + 1), withoutMnemonic(contents.at(i).name)));
+    }
+    m_editMenu->setEnabled(!contents.isEmpty());
+}
+
+void MainWindow::showFiles()
+{
     const StageFile &stage = m_player->stage();
     const QString logs = m_player->logDirectory();
     m_files->setText(
@@ -130,6 +235,57 @@ void MainWindow::showPluginInformation()
     m_files->setToolTip(tr("Stage: %1\nLogs: %2")
                             .arg(QDir::toNativeSeparators(stage.fileName()),
                                 logs.isEmpty() ? tr("none") : QDir::toNativeSeparators(logs)));
+}
+
+void MainWindow::editContent(int index)
+{
+    Kora::KrPluginGuiInterface *const gui = m_player->host().gui();
+    if (!gui)
+        return;
+    QRect anchor = m_editMenu->actionGeometry(m_editActions.at(index));
+    anchor.moveTopLeft(m_editMenu->mapToGlobal(anchor.topLeft()));
+    gui->execContentPropertyDialog(index, anchor); // nothing after it: this may have gone
+}
+
+bool MainWindow::save()
+{
+    return saveInto(m_player->stage().fileName());
+}
+
+bool MainWindow::saveAs()
+{
+    QFileDialog dialog(this, tr("Save Stage"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters({tr("Stages (*.json)"), tr("All files (*)")});
+    dialog.setDefaultSuffix(QStringLiteral("json"));
+    dialog.selectFile(m_player->stage().fileName());
+    return dialog.exec() == QDialog::Accepted && saveInto(dialog.selectedFiles().value(0));
+}
+
+bool MainWindow::saveInto(const QString &fileName)
+{
+    QString error;
+    if (m_player->save(fileName, &error))
+        return true;
+    QMessageBox::critical(this, tr("Stage Not Saved"), error);
+    return false;
+}
+
+bool MainWindow::mayClose()
+{
+    if (!m_player->isModified())
+        return true;
+    if (m_asking)
+        return false;
+    m_asking = true;
+    const int answer = QMessageBox::question(this, tr("Unsaved Changes"),
+        tr("The stage \"%1\" has been changed.\nDo you want to save it?")
+            .arg(m_player->stage().title()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    m_asking = false;
+    if (answer == QMessageBox::Save)
+        return save();
+    return answer == QMessageBox::Discard;
 }
 
 QWidget *MainWindow::createPane()

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QList>
 #include <QMainWindow>
 
+class QAction;
 class QLabel;
+class QMenu;
 class QPushButton;
 class QTreeView;
 
@@ -10,7 +13,8 @@ namespace Player {
 
 class StagePlayer;
 
-/// The stage beside a pane with the plug-in's data, the controls and the events.
+/// The stage beside a pane with the plug-in's data, the controls and the events, and menus for
+/// the stage file and the plug-in's dialogs.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -18,12 +22,29 @@ class MainWindow : public QMainWindow
 public:
     explicit MainWindow(StagePlayer *player, QWidget *parent = nullptr); ///< not owned
 
-    static void applyTheme(); ///< dark colours for the whole application
+    /// One style for all systems. The dark colours are the window's own: a plug-in's dialogs may
+    /// count on the usual ones.
+    static void applyTheme();
 
 public slots:
     void showPluginInformation(); ///< call it when the plug-in is loaded and has begun
 
+signals:
+    void closed(); ///< by the user, changes saved or given up; also below a dialog
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
 private:
+    void createMenus();
+    void fillPluginMenu();
+    void showStage();
+    void showFiles();
+    void editContent(int index);
+    bool save();
+    bool saveAs();
+    bool saveInto(const QString &fileName);
+    bool mayClose();
     QWidget *createPane();
     QWidget *createHeader();
     QWidget *createStatusRow();
@@ -42,6 +63,10 @@ private:
     QLabel *m_current = nullptr;
     QLabel *m_files = nullptr;
     QTreeView *m_events = nullptr;
+    QMenu *m_pluginMenu = nullptr;
+    QMenu *m_editMenu = nullptr;
+    QList<QAction *> m_editActions; // by sequence index
+    bool m_asking = false;
 };
 
 } // namespace Player

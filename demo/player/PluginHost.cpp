@@ -86,17 +86,29 @@ bool PluginHost::setUp(const StageFile &stage, int screenId, const QString &logD
     m_plugin->setPath(QFileInfo(m_loader.fileName()).absolutePath());
     m_plugin->setLogSetting(logDirectory);
 
-    Kora::KrPluginStage description;
-    description.setScreens(stage.screens());
-    m_plugin->setStage(description);
-    const QVariantMap parameters = stage.screenParameters(screenId);
-    m_plugin->setPluginData(parameters);
-    m_plugin->setParams(parameters.value(Kora::Keys::PluginData).toMap());
+    handOver(stage, screenId);
+    m_plugin->setParams(stage.screenParameters(screenId).value(Kora::Keys::PluginData).toMap());
 
     m_panel = m_plugin->graphicsItem();
-    m_gui = m_plugin->gui();
+    takeGui();
     m_statusTimer.start();
     return call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
+}
+
+bool PluginHost::update(const StageFile &stage, int screenId)
+{
+    if (!plugin())
+        return false;
+    const QPointer<PluginHost> guard(this); // see call()
+    const int before = status();
+    handOver(stage, screenId);
+    bool ok = call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
+    // A new initialisation ends the sensor program, also that of a paused plug-in.
+    if (guard && (before == Starting || before == Started || before == Paused))
+        ok = start() && ok;
+    if (guard && before == Paused)
+        ok = pause() && ok;
+    return ok;
 }
 
 Kora::KrPluginGraphicsItem *PluginHost::panel() const
@@ -106,7 +118,17 @@ Kora::KrPluginGraphicsItem *PluginHost::panel() const
 
 Kora::KrPluginGuiInterface *PluginHost::gui() const
 {
-    return plugin() ? m_gui : nullptr;
+    return plugin() && m_guiObject ? m_gui : nullptr;
+}
+
+QVariantMap PluginHost::pluginData() const
+{
+    return plugin() ? m_plugin->pluginData().toMap() : QVariantMap();
+}
+
+QVariantMap PluginHost::params() const
+{
+    return plugin() ? m_plugin->params().toMap() : QVariantMap();
 }
 
 bool PluginHost::start()
@@ -242,6 +264,32 @@ void PluginHost::readInformation()
     m_information.url = metaData.value(QLatin1String("Url")).toString();
     m_information.description = linesOf(metaData.value(QLatin1String("Description")));
     m_information.icon = m_plugin->icon();
+}
+
+void PluginHost::handOver(const StageFile &stage, int screenId)
+{
+    Kora::KrPluginStage description;
+    description.setScreens(stage.screens());
+    m_plugin->setStage(description);
+    m_plugin->setPluginData(stage.screenParameters(screenId));
+}
+
+void PluginHost::takeGui()
+{
+    m_gui = m_plugin->gui();
+    m_guiObject = m_gui ? m_gui->object() : nullptr;
+    if (!m_guiObject)
+        return;
+    // By name, as in connectSignals(). Changes that nobody hears of would be lost.
+    // clang-format off
+    bool ok = connect(m_guiObject, SIGNAL(screenValuesUpdated(int,QList<int>)), this,
+        SIGNAL(screenValuesUpdated(int,QList<int>)));
+    ok = connect(m_guiObject, SIGNAL(requestAddContents(int,QMap<int,QVariant>)), this,
+             SIGNAL(contentsRequested(int,QMap<int,QVariant>)))
+        && ok;
+    // clang-format on
+    if (!ok)
+        m_guiObject.clear();
 }
 
 bool PluginHost::connectSignals()

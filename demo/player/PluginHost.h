@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
+#include <QMap>
 #include <QObject>
 #include <QPluginLoader>
 #include <QPointer>
 #include <QString>
 #include <QTime>
 #include <QTimer>
+#include <QVariantMap>
 
 namespace Kora {
 class KrPluginExtScreenInterface;
@@ -47,11 +50,17 @@ public:
     /// Hands over directories, stage and screen and initialises the plug-in. Call once, after
     /// load(). An empty @p logDirectory leaves the plug-in's log off.
     bool setUp(const StageFile &stage, int screenId, const QString &logDirectory);
+    /// Hands over a changed stage and initialises again; what ran before runs again.
+    bool update(const StageFile &stage, int screenId);
 
     /// Null before setUp() and after the plug-in has gone. The plug-in owns it.
     Kora::KrPluginGraphicsItem *panel() const;
     /// Null likewise, and when the plug-in has no settings dialogs. The plug-in owns it.
     Kora::KrPluginGuiInterface *gui() const;
+
+    /// The screen's parameter map as the plug-in holds it; its dialogs edit it in place.
+    QVariantMap pluginData() const;
+    QVariantMap params() const; ///< the settings that the plug-in works with
 
     bool start();
     bool stop();
@@ -73,6 +82,11 @@ signals:
     void logMessageThrown(const QString &message, int logDivision);
     void statusChanged(int status);
     void called(const QString &operation, bool result); ///< a lifecycle operation has returned
+    /// A dialog has changed the settings (empty list) or these contents. Sent from inside the
+    /// dialog: take the changes in later.
+    void screenValuesUpdated(int screenId, const QList<int> &seqIndexList);
+    /// A dialog has new contents for the screen, by zero-based index. Likewise.
+    void contentsRequested(int screenId, const QMap<int, QVariant> &contents);
 
 private slots:
     void onContentPaused(int seqIndex);
@@ -86,6 +100,8 @@ private slots:
 private:
     Kora::KrPluginExtScreenInterface *plugin() const; // null when the plug-in has gone
     void readInformation();
+    void handOver(const StageFile &stage, int screenId);
+    void takeGui();
     bool connectSignals();
     bool call(const QString &operation, bool (Kora::KrPluginExtScreenInterface::*function)());
 
@@ -94,6 +110,7 @@ private:
     Kora::KrPluginExtScreenInterface *m_plugin = nullptr; // the same object
     Kora::KrPluginGraphicsItem *m_panel = nullptr; // the plug-in's
     Kora::KrPluginGuiInterface *m_gui = nullptr; // the plug-in's
+    QPointer<QObject> m_guiObject; // tells that the GUI has gone
     PluginInformation m_information;
     QString m_errorString;
     QTimer m_statusTimer;

@@ -9,7 +9,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonParseError>
+#include <QSaveFile>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -29,6 +31,14 @@ const QString Card = QStringLiteral("card");
 const QString Subtitle = QStringLiteral("subtitle");
 const QString Color = QStringLiteral("color");
 const QString Picture = QStringLiteral("picture");
+const QString Type = QStringLiteral("type");
+const QString Direction = QStringLiteral("direction");
+const QString Sequences = QStringLiteral("seq");
+const QString TargetSequence = QStringLiteral("screenseq");
+
+constexpr int LinkType = 2; // lowest type of an event between screens
+constexpr int Incoming = 1;
+constexpr int Outgoing = 0;
 
 QString tr(const char *text)
 {
@@ -181,6 +191,63 @@ QString describe(const QByteArray &json, const QJsonParseError &error)
         .arg(QString::number(line), QString::number(column), error.errorString());
 }
 
+// Plug-ins read events through QVariant, so that a number may also be written as a text.
+std::optional<int> toLooseInteger(const QJsonValue &value)
+{
+    bool ok = false;
+    const int number = value.toVariant().toInt(&ok);
+    return ok ? std::make_optional(number) : std::nullopt;
+}
+
+bool isOpening(const QJsonObject &event)
+{
+    return toLooseInteger(event.value(Direction)) == Incoming
+        && toLooseInteger(event.value(Type)).value_or(0) >= LinkType;
+}
+
+bool opens(const QJsonObject &event, int number)
+{
+    const QJsonArray sequences = event.value(Sequences).toArray();
+    return isOpening(event)
+        && (sequences.isEmpty()
+            || std::any_of(
+                sequences.begin(), sequences.end(), [number](const QJsonValue &sequence) {
+                    return toLooseInteger(sequence) == number;
+                }));
+}
+
+/// @p events, changed such that one of them opens sequence @p number.
+QJsonArray opened(QJsonArray events, int number)
+{
+    int first = -1;
+    for (int i = 0; i < events.size(); ++i) {
+        const QJsonObject event = events.at(i).toObject();
+        if (opens(event, number))
+            return events;
+        if (first < 0 && isOpening(event))
+            first = i;
+    }
+    if (first < 0) {
+        events.append(
+            QJsonObject{{Type, LinkType}, {Direction, Incoming}, {Sequences, QJsonArray{number}}});
+        return events;
+    }
+    QJsonObject event = events.at(first).toObject();
+    QJsonArray sequences = event.value(Sequences).toArray();
+    sequences.append(number);
+    event.insert(Sequences, sequences);
+    events.replace(first, event);
+    return events;
+}
+
+/// The sequence of the screen that the event links to; nothing when it is no such event.
+std::optional<int> linkedSequence(const QJsonObject &event, int screenId)
+{
+    if (toLooseInteger(event.value(Keys::Id)) != screenId || !toLooseInteger(event.value(Type)))
+        return std::nullopt;
+    return toLooseInteger(event.value(TargetSequence));
+}
+
 QColor defaultColor(int number)
 {
     static const std::array<QColor, 8> colors{QColor(0xc2, 0x41, 0x5c), QColor(0x2f, 0x6f, 0xb5),
@@ -233,6 +300,27 @@ std::optional<StageFile> StageFile::fromJson(
 QByteArray StageFile::toJson() const
 {
     return QJsonDocument(m_document).toJson();
+}
+
+bool StageFile::save(const QString &fileName, QString *error)
+{
+    StageFile saved = *this;
+    saved.m_fileName = fileName;
+    saved.movePictures(QFileInfo(m_fileName).absolutePath());
+
+    // What a plug-in has put in must not make a file that cannot be read again.
+    QString objection = checkStage(saved.m_document);
+    if (objection.isEmpty()) {
+        const QByteArray json = saved.toJson();
+        QSaveFile file(fileName);
+        if (file.open(QIODevice::WriteOnly) && file.write(json) == json.size() && file.commit()) {
+            *this = saved;
+            return true;
+        }
+        objection = file.errorString();
+    }
+    *error = complaint(fileName, objection);
+    return false;
 }
 
 QString StageFile::title() const
@@ -296,18 +384,54 @@ QVariantMap StageFile::screenParameters(int screenId) const
 
 void StageFile::setScreenParameters(int screenId, const QVariantMap &parameters)
 {
-    QJsonArray screens = m_document.value(Screens).toArray();
-    for (int i = 0; i < screens.size(); ++i) {
-        QJsonObject screen = screens.at(i).toObject();
-        if (screen.value(Keys::Id).toInt() != screenId)
-            continue;
-        for (auto it = parameters.cbegin(); it != parameters.cend(); ++it) {
-            if (it.key() != Keys::Id)
-                screen.insert(it.key(), QJsonValue::fromVariant(it.value()));
-        }
-        screens.replace(i, screen);
+    QJsonObject screen = this->screen(screenId);
+    for (auto it = parameters.cbegin(); it != parameters.cend(); ++it) {
+        if (it.key() != Keys::Id)
+            screen.insert(it.key(), QJsonValue::fromVariant(it.value()));
     }
-    m_document.insert(Screens, screens);
+    replaceScreen(screenId, screen);
+}
+
+bool StageFile::addContent(int screenId, int index, const QVariant &entry, QString *error)
+{
+    if (!hasScreen(screenId)) {
+        *error = tr("there is no screen %1").arg(screenId);
+        return false;
+    }
+    QJsonObject screen = this->screen(screenId);
+    QJsonArray contents = screen.value(Keys::Contents).toArray();
+    if (index != contents.size()) {
+        // Its number is its position, and events go by that number.
+        *error = tr("the next content is #%1").arg(contents.size() + 1);
+        return false;
+    }
+    const QJsonValue content = QJsonValue::fromVariant(entry);
+    *error = checkContent(content, inList(QString(), Keys::Contents, index));
+    if (!error->isEmpty())
+        return false;
+
+    const int number = index + 1;
+    contents.append(content);
+    screen.insert(Keys::Contents, contents);
+    screen.insert(Event, opened(screen.value(Event).toArray(), number));
+    replaceScreen(screenId, screen);
+    link(screenId, number);
+    return true;
+}
+
+QList<int> StageFile::linkingScreens(int screenId, int number) const
+{
+    QList<int> linking;
+    const QList<int> ids = screenIds();
+    for (const int id : ids) {
+        const QJsonArray events = screen(id).value(Event).toArray();
+        if (id != screenId
+            && std::any_of(events.begin(), events.end(), [=](const QJsonValue &event) {
+                   return linkedSequence(event.toObject(), screenId) == number;
+               }))
+            linking << id;
+    }
+    return linking;
 }
 
 QVector<StageContent> StageFile::contents(int screenId) const
@@ -344,6 +468,81 @@ QJsonObject StageFile::screen(int screenId) const
             return value.toObject();
     }
     return {};
+}
+
+void StageFile::replaceScreen(int screenId, const QJsonObject &screen)
+{
+    QJsonArray screens = m_document.value(Screens).toArray();
+    for (int i = 0; i < screens.size(); ++i) {
+        if (screens.at(i).toObject().value(Keys::Id).toInt() == screenId)
+            screens.replace(i, screen);
+    }
+    m_document.insert(Screens, screens);
+}
+
+/// Lets another screen link to sequence @p number, when none does, as it does to the one before.
+void StageFile::link(int screenId, int number)
+{
+    if (!linkingScreens(screenId, number).isEmpty())
+        return;
+    QJsonObject event{{Type, LinkType}, {Direction, Outgoing}, {Sequences, QJsonArray()}};
+    std::optional<int> linkingScreen;
+    int nearest = 0;
+    const QList<int> ids = screenIds();
+    for (const int id : ids) {
+        if (id == screenId)
+            continue;
+        if (!linkingScreen)
+            linkingScreen = id;
+        const QJsonArray events = screen(id).value(Event).toArray();
+        for (const QJsonValue &value : events) {
+            const QJsonObject model = value.toObject();
+            const int sequence = linkedSequence(model, screenId).value_or(0);
+            if (sequence <= nearest || sequence > number)
+                continue;
+            nearest = sequence;
+            linkingScreen = id;
+            for (const QString &key : {Type, Direction, Sequences})
+                event.insert(key, model.value(key)); // an undefined value removes the key
+        }
+    }
+    if (!linkingScreen)
+        return; // the only screen
+
+    event.insert(Keys::Id, screenId);
+    event.insert(TargetSequence, number);
+    QJsonObject screen = this->screen(*linkingScreen);
+    QJsonArray events = screen.value(Event).toArray();
+    events.append(event);
+    screen.insert(Event, events);
+    replaceScreen(*linkingScreen, screen);
+}
+
+/// Makes relative pictures, which stood for files from @p directory on, fit the file's place.
+void StageFile::movePictures(const QString &directory)
+{
+    const QDir from(directory);
+    const QDir to = QFileInfo(m_fileName).absoluteDir();
+    if (from == to)
+        return;
+    const QList<int> ids = screenIds();
+    for (const int id : ids) {
+        QJsonObject screen = this->screen(id);
+        QJsonArray contents = screen.value(Keys::Contents).toArray();
+        for (int i = 0; i < contents.size(); ++i) {
+            QJsonObject content = contents.at(i).toObject();
+            QJsonObject card = content.value(Card).toObject();
+            const QString picture = card.value(Picture).toString();
+            if (picture.isEmpty() || QDir::isAbsolutePath(picture))
+                continue;
+            card.insert(Picture, to.relativeFilePath(from.absoluteFilePath(picture)));
+            content.insert(Card, card);
+            contents.replace(i, content);
+        }
+        if (!contents.isEmpty())
+            screen.insert(Keys::Contents, contents);
+        replaceScreen(id, screen);
+    }
 }
 
 } // namespace Player

@@ -22,6 +22,13 @@ struct StageContent
     QString subtitle;
     QColor color; // always valid
     QString picture; // absolute path, empty when there is none
+
+    friend bool operator==(const StageContent &a, const StageContent &b)
+    {
+        return a.number == b.number && a.name == b.name && a.title == b.title
+            && a.subtitle == b.subtitle && a.color == b.color && a.picture == b.picture;
+    }
+    friend bool operator!=(const StageContent &a, const StageContent &b) { return !(a == b); }
 };
 
 /// A stage: its screens with settings, contents and events, as the JSON file has them.
@@ -39,6 +46,10 @@ public:
 
     QByteArray toJson() const;
 
+    /// Writes the stage and makes @p fileName its own; pictures are still found from there. False
+    /// with the reason in @p error, and nothing changed, when that fails.
+    bool save(const QString &fileName, QString *error);
+
     QString fileName() const { return m_fileName; }
     QString title() const; ///< the file's base name when the stage has no title
 
@@ -52,13 +63,22 @@ public:
 
     /// The parameter map of a screen: "id", "plugindata" and "contents".
     QVariantMap screenParameters(int screenId) const;
-    /// Replaces the keys that @p parameters holds, but the id. The only way to change a stage.
+    /// Replaces the keys that @p parameters holds, but the id.
     void setScreenParameters(int screenId, const QVariantMap &parameters);
+
+    /// Adds sequence @p index + 1, which must be the next one, with the events that it needs to
+    /// take part. False with the reason in @p error when it does not fit.
+    bool addContent(int screenId, int index, const QVariant &entry, QString *error);
+    /// The other screens with an event for sequence @p number of the screen, in the file's order.
+    QList<int> linkingScreens(int screenId, int number) const;
 
     QVector<StageContent> contents(int screenId) const; ///< at position p: sequence p + 1
 
 private:
     QJsonObject screen(int screenId) const;
+    void replaceScreen(int screenId, const QJsonObject &screen);
+    void link(int screenId, int number);
+    void movePictures(const QString &directory);
 
     QString m_fileName;
     QJsonObject m_document;

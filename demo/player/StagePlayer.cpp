@@ -1,6 +1,13 @@
 #include "StagePlayer.h"
 
+#include "StageChanges.h"
+#include "host/KrPluginKeys.h"
+
 #include <QDir>
+#include <QPointer>
+#include <QTimer>
+
+#include <utility>
 
 namespace Player {
 
@@ -44,6 +51,7 @@ StagePlayer::StagePlayer(const StageFile &stage, int screenId, QObject *parent)
     , m_screenId(screenId)
     , m_contents(stage.contents(screenId))
     , m_current(idleCard(stage.title()))
+    , m_savedStage(stage.toJson())
 {
     connect(&m_host, &PluginHost::contentStarted, this, &StagePlayer::onContentStarted);
     connect(&m_host, &PluginHost::contentSignalReceived, this,
@@ -66,6 +74,8 @@ StagePlayer::StagePlayer(const StageFile &stage, int screenId, QObject *parent)
         if (!result)
             note(PlayerEvent::Player, tr("%1() was refused").arg(operation));
     });
+    connect(&m_host, &PluginHost::screenValuesUpdated, this, &StagePlayer::onScreenValuesUpdated);
+    connect(&m_host, &PluginHost::contentsRequested, this, &StagePlayer::onContentsRequested);
     m_scene.showContent(m_current, m_contents.size());
 }
 
@@ -99,9 +109,28 @@ void StagePlayer::begin(const QString &logDirectory)
 
 void StagePlayer::end()
 {
+    m_ended = true;
     m_host.finish();
     m_scene.removePanel();
     m_host.shutDown();
+}
+
+bool StagePlayer::save(const QString &fileName, QString *error)
+{
+    if (!m_stage.save(fileName, error)) {
+        note(PlayerEvent::Player, tr("Stage not saved: %1").arg(*error));
+        return false;
+    }
+    m_savedStage = m_stage.toJson();
+    note(PlayerEvent::Player, tr("Stage saved in %1").arg(QDir::toNativeSeparators(fileName)));
+    showStage();
+    emit stageChanged();
+    return true;
+}
+
+bool StagePlayer::isModified() const
+{
+    return m_stage.toJson() != m_savedStage;
 }
 
 void StagePlayer::note(PlayerEvent::Kind kind, const QString &details, const QString &signal)
@@ -123,12 +152,127 @@ void StagePlayer::onContentStarted(int seqIndex)
     emit currentChanged();
 }
 
+void StagePlayer::onScreenValuesUpdated(int screenId, const QList<int> & /*seqIndexList*/)
+{
+    if (isPlayed(screenId))
+        applyEditsLater();
+}
+
+void StagePlayer::onContentsRequested(int screenId, const QMap<int, QVariant> &contents)
+{
+    if (!isPlayed(screenId))
+        return;
+    for (auto it = contents.cbegin(); it != contents.cend(); ++it)
+        m_requestedContents.insert(it.key(), it.value());
+    applyEditsLater();
+}
+
+bool StagePlayer::isPlayed(int screenId)
+{
+    if (screenId != m_screenId)
+        note(PlayerEvent::Edit, tr("ignored, screen %1 is not played").arg(screenId));
+    return screenId == m_screenId;
+}
+
+void StagePlayer::applyEditsLater()
+{
+    // The plug-in is still inside the dialog that tells of the change.
+    if (!m_editsPending)
+        QTimer::singleShot(0, this, &StagePlayer::applyEdits);
+    m_editsPending = true;
+}
+
+void StagePlayer::applyEdits()
+{
+    m_editsPending = false;
+    if (m_ended)
+        return;
+    // An operation of the plug-in may run an event loop; its newest edits wait until it is done.
+    if (m_applyingEdits) {
+        m_editsPending = true;
+        return;
+    }
+    const QByteArray stageBefore = m_stage.toJson();
+    const QVariantMap before = m_stage.screenParameters(m_screenId);
+    m_stage.setScreenParameters(m_screenId, m_host.pluginData());
+    QStringList changes = describeChanges(before, m_stage.screenParameters(m_screenId));
+    changes += addRequestedContents();
+    for (const QString &change : std::as_const(changes))
+        note(PlayerEvent::Edit, change);
+    if (m_stage.toJson() == stageBefore)
+        return;
+    const QVariantMap after = m_stage.screenParameters(m_screenId);
+    m_contents = m_stage.contents(m_screenId);
+
+    const QPointer<StagePlayer> guard(this);
+    m_applyingEdits = true;
+    m_host.update(m_stage, m_screenId);
+    if (!guard)
+        return;
+    m_applyingEdits = false;
+    if (before.value(Kora::Keys::PluginData) != after.value(Kora::Keys::PluginData))
+        noteSettings();
+    showStage();
+    emit stageChanged();
+    if (guard && std::exchange(m_editsPending, false))
+        applyEditsLater();
+}
+
+/// Returns a line for each content that was asked for.
+QStringList StagePlayer::addRequestedContents()
+{
+    QStringList lines;
+    const QMap<int, QVariant> requested = std::exchange(m_requestedContents, {});
+    for (auto it = requested.cbegin(); it != requested.cend(); ++it) {
+        const QString number = QString::number(qint64(it.key()) + 1);
+        QString error;
+        if (!m_stage.addContent(m_screenId, it.key(), it.value(), &error)) {
+            lines << tr("content #%1 not added: %2").arg(number, error);
+            continue;
+        }
+        const QString name = m_stage.contents(m_screenId).last().name;
+        lines << tr("content #%1 added: %2, %3").arg(number, name, describeLinks(it.key() + 1));
+    }
+    return lines;
+}
+
+void StagePlayer::showStage()
+{
+    m_contents = m_stage.contents(m_screenId);
+    if (m_current.number > m_contents.size())
+        m_current = idleCard(m_stage.title());
+    else if (m_current.number > 0)
+        m_current = m_contents.at(m_current.number - 1);
+    m_scene.adaptToPanel();
+    m_scene.showContent(m_current, m_contents.size());
+    emit currentChanged();
+}
+
+void StagePlayer::noteSettings()
+{
+    QStringList settings;
+    const QVariantMap params = m_host.params();
+    for (auto it = params.cbegin(); it != params.cend(); ++it)
+        settings << it.key() + QLatin1Char(' ') + it.value().toString();
+    note(PlayerEvent::Player, tr("Settings in use: %1").arg(settings.join(QLatin1String(", "))));
+}
+
 QString StagePlayer::describe(int seqIndex) const
 {
     QString name = tr("(no such content)");
     if (seqIndex >= 0 && seqIndex < m_contents.size())
         name = m_contents.at(seqIndex).name;
     return QStringLiteral("#%1  %2").arg(QString::number(qint64(seqIndex) + 1), name);
+}
+
+QString StagePlayer::describeLinks(int number) const
+{
+    QStringList screens;
+    const QList<int> ids = m_stage.linkingScreens(m_screenId, number);
+    for (const int id : ids)
+        screens << tr("screen %1 %2").arg(QString::number(id), m_stage.screenName(id)).trimmed();
+    return screens.isEmpty() ? tr("linked by no screen")
+                             : tr("linked by %1").arg(screens.join(QLatin1String(", ")));
 }
 
 } // namespace Player

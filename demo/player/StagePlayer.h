@@ -5,12 +5,21 @@
 #include "StageFile.h"
 #include "StageScene.h"
 
+#include <QByteArray>
+#include <QList>
+#include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
 
 namespace Player {
 
 /// One screen of a stage with its plug-in: what the program shows or prints.
+///
+/// What the plug-in's dialogs change goes into the stage as soon as control is back in the event
+/// loop, and the plug-in is initialised with it again.
 class StagePlayer : public QObject
 {
     Q_OBJECT
@@ -25,8 +34,14 @@ public:
     void begin(const QString &logDirectory);
     void end(); ///< stops the plug-in and deletes it; its sensor program has ended then
 
+    /// Writes the stage into @p fileName, which becomes its file. False with the reason in
+    /// @p error when that fails.
+    bool save(const QString &fileName, QString *error);
+    bool isModified() const; ///< the stage has changes that were not saved
+
     const StageFile &stage() const { return m_stage; }
     int screenId() const { return m_screenId; }
+    const QVector<StageContent> &contents() const { return m_contents; }
     QString logDirectory() const { return m_logDirectory; } ///< empty: the plug-in writes no log
     PluginHost &host() { return m_host; }
     StageScene &scene() { return m_scene; }
@@ -37,11 +52,21 @@ public:
 
 signals:
     void currentChanged();
+    void stageChanged(); ///< its contents, settings, file or isModified()
 
 private:
     void note(PlayerEvent::Kind kind, const QString &details, const QString &signal = {});
     void onContentStarted(int seqIndex);
+    void onScreenValuesUpdated(int screenId, const QList<int> &seqIndexList);
+    void onContentsRequested(int screenId, const QMap<int, QVariant> &contents);
+    bool isPlayed(int screenId);
+    void applyEditsLater();
+    void applyEdits();
+    QStringList addRequestedContents();
+    void showStage();
+    void noteSettings();
     QString describe(int seqIndex) const; // "#3  Women 20-39"
+    QString describeLinks(int number) const; // "linked by screen 2 Counter"
 
     StageFile m_stage;
     int m_screenId;
@@ -51,6 +76,11 @@ private:
     EventLog m_log;
     StageScene m_scene; // goes after the plug-in, whose panel it shows
     PluginHost m_host;
+    QByteArray m_savedStage;
+    QMap<int, QVariant> m_requestedContents; // by index, not yet added
+    bool m_editsPending = false;
+    bool m_applyingEdits = false;
+    bool m_ended = false;
 };
 
 } // namespace Player

@@ -70,9 +70,15 @@ void StageScene::removePanel()
     m_panelObject.clear();
 }
 
+void StageScene::adaptToPanel()
+{
+    layOut();
+    update();
+}
+
 void StageScene::showContent(const StageContent &content, int count)
 {
-    if (shownNumber() == content.number)
+    if (m_card && m_card->content() == content && m_card->count() == count)
         return;
     CardItem *const previous = m_card;
     m_card = new CardItem(content, count);

@@ -29,8 +29,9 @@ public:
     /// Shows the panel; it stays its owner's. Take it off before its owner goes.
     void setPanel(Kora::KrPluginGraphicsItem *panel);
     void removePanel();
+    void adaptToPanel(); ///< call it when the panel was shown or hidden
 
-    /// Fades to the card of @p content, one of @p count. Its own number again changes nothing.
+    /// Fades to the card of @p content, one of @p count. The same card again changes nothing.
     void showContent(const StageContent &content, int count);
     int shownNumber() const; ///< of the card that is shown or fading in; -1 before any
 

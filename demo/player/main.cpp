@@ -133,6 +133,8 @@ int play(const Order &order)
     } else {
         MainWindow::applyTheme();
         window = std::make_unique<MainWindow>(&player);
+        // Below a dialog of the plug-in it is not the last window.
+        QObject::connect(window.get(), &MainWindow::closed, qApp, &QCoreApplication::quit);
         window->show();
     }
 

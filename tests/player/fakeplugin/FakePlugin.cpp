@@ -1,0 +1,147 @@
+#include "FakePlugin.h"
+
+#include <QCoreApplication>
+#include <QGraphicsScene>
+#include <QTimer>
+
+namespace {
+
+void record(const QString &call)
+{
+    const QStringList calls = qApp->property("fakeCalls").toStringList();
+    qApp->setProperty("fakeCalls", calls + QStringList{call});
+}
+
+} // namespace
+
+FakePanel::~FakePanel()
+{
+    record(scene() ? QStringLiteral("panel deleted on a scene") : QStringLiteral("panel deleted"));
+}
+
+FakeGui::FakeGui()
+    : m_add(QStringLiteral("Add"))
+    , m_properties(QStringLiteral("Properties"))
+{
+    m_add.setObjectName(QStringLiteral("fakeAdd"));
+    m_properties.setObjectName(QStringLiteral("fakeProperties"));
+    connect(&m_add, &QAction::triggered, this, [] { record(QStringLiteral("add")); });
+    connect(
+        &m_properties, &QAction::triggered, this, [this] { execScreenPropertyDialog(QRect()); });
+}
+
+int FakeGui::execScreenPropertyDialog(const QRect & /*anchor*/)
+{
+    record(QStringLiteral("screen dialog"));
+    return 1;
+}
+
+void FakeGui::execContentPropertyDialog(int seqIndex, const QRect &anchor)
+{
+    record((anchor.isNull() ? QStringLiteral("content dialog %1")
+                            : QStringLiteral("content dialog %1 beside something"))
+               .arg(seqIndex));
+}
+
+FakePlugin::~FakePlugin()
+{
+    record(QStringLiteral("deleted with status %1").arg(m_status));
+    delete m_gui;
+    delete m_graphicsItem;
+}
+
+void FakePlugin::setPath(const QString &path)
+{
+    m_path = path;
+    record(QStringLiteral("setPath"));
+}
+
+Kora::KrPluginGraphicsItem *FakePlugin::graphicsItem()
+{
+    record(QStringLiteral("graphicsItem"));
+    if (!m_graphicsItem)
+        m_graphicsItem = new FakePanel;
+    return m_graphicsItem;
+}
+
+Kora::KrPluginGuiInterface *FakePlugin::gui()
+{
+    record(QStringLiteral("gui"));
+    if (!m_gui && m_params.contains(QStringLiteral("gui"))) {
+        m_gui = new FakeGui;
+        m_gui->setPluginData(&m_pluginData);
+    }
+    return m_gui;
+}
+
+void FakePlugin::setParams(const QVariantMap &params)
+{
+    m_params = params;
+    record(QStringLiteral("setParams with %1 settings").arg(params.size()));
+}
+
+void FakePlugin::setStage(const Kora::KrPluginStage &stage)
+{
+    KrPluginExtScreenInterface::setStage(stage);
+    record(QStringLiteral("setStage with %1 screens").arg(stage.screens().size()));
+}
+
+void FakePlugin::setPluginData(const QVariant &pluginData)
+{
+    KrPluginExtScreenInterface::setPluginData(pluginData);
+    record(QStringLiteral("setPluginData with %1")
+               .arg(QStringList(pluginData.toMap().keys()).join(QLatin1Char(','))));
+}
+
+bool FakePlugin::init()
+{
+    record(QStringLiteral("init"));
+    m_status = 110;
+    return true;
+}
+
+bool FakePlugin::start()
+{
+    record(QStringLiteral("start"));
+    if (m_params.contains(QStringLiteral("refuses")))
+        return false;
+    m_status = 102;
+    const QVariantList switches = m_params.value(QStringLiteral("switches")).toList();
+    for (const QVariant &index : switches)
+        QTimer::singleShot(0, this, [this, index] { emit contentStarted(index.toInt()); });
+    return true;
+}
+
+bool FakePlugin::stop()
+{
+    record(QStringLiteral("stop"));
+    m_status = 104;
+    QTimer::singleShot(0, this, [this] { m_status = 100; });
+    return true;
+}
+
+bool FakePlugin::pause()
+{
+    record(QStringLiteral("pause"));
+    m_status = 101;
+    return true;
+}
+
+bool FakePlugin::reload()
+{
+    record(QStringLiteral("reload"));
+    return true;
+}
+
+QImage FakePlugin::icon() const
+{
+    QImage image(24, 24, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    return image;
+}
+
+void FakePlugin::setLogSetting(const QString &logSetting)
+{
+    KrPluginExtScreenInterface::setLogSetting(logSetting);
+    record(QStringLiteral("setLogSetting %1").arg(logSetting));
+}

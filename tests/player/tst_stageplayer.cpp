@@ -1,0 +1,681 @@
+#include "demo/player/StagePlayer.h"
+
+#include "demo/player/MainWindow.h"
+#include "host/KrPluginGuiInterface.h"
+#include "tests/gui/ModalDriver.h"
+
+#include <QAction>
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPluginLoader>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeView>
+
+#include <memory>
+
+using namespace Player;
+
+class tst_StagePlayer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void switchesShowTheCard();
+    void unknownSequence();
+    void logDirectory_data();
+    void logDirectory();
+    void panelLeavesTheStageBeforeThePluginGoes();
+    void window();
+    void changedSettings();
+    void valueOfAnotherType();
+    void changedContent();
+    void addedContent();
+    void refusedEdits();
+    void editsOfOneMoment();
+    void editsAtTheEnd();
+    void saved();
+    void menus();
+    void menusWithoutGui();
+    void menusWhenThePluginHasGone();
+    void windowSaves();
+    void windowCannotSave();
+    void windowSavesElsewhere();
+    void closing_data();
+    void closing();
+    void closingBelowADialog();
+
+private:
+    StageFile editableStage() const; // two contents, the second is switched to
+    bool begin(StagePlayer *player) const;
+    static Kora::KrPluginGuiInterface *gui(StagePlayer &player) { return player.host().gui(); }
+    static QVariant *pluginData(StagePlayer &player) { return gui(player)->pluginData(); }
+    static void announce(StagePlayer &player, int screenId = 5);
+    static void request(StagePlayer &player, const QMap<int, QVariant> &contents, int screenId = 5);
+    static void setInterval(StagePlayer &player, int interval);
+    static QStringList calls() { return qApp->property("fakeCalls").toStringList(); }
+    static QMap<int, QVariant> newContent(int index);
+    QString systemError() const; // for a file in a directory that does not exist
+    QJsonObject savedStage(const QString &name = QStringLiteral("s.json")) const;
+
+    std::unique_ptr<QTemporaryDir> m_directory; // of the current test
+    static StageFile stage(const QByteArray &switches);
+    static QStringList details(StagePlayer &player, PlayerEvent::Kind kind);
+};
+
+StageFile tst_StagePlayer::stage(const QByteArray &switches)
+{
+    QString error;
+    return StageFile::fromJson(
+        R"({"title": "Test stage", "screens": [{"id": 5, "plugindata": {"switches": [)" + switches
+            + R"(]}, "contents": [{"params": {"name": "First"}},
+            {"params": {"name": "Second"}, "card": {"title": "Two"}}]}]})",
+        QStringLiteral("s.json"), &error)
+        .value_or(StageFile());
+}
+
+QStringList tst_StagePlayer::details(StagePlayer &player, PlayerEvent::Kind kind)
+{
+    QStringList details;
+    for (int row = 0; row < player.log().rowCount(); ++row) {
+        if (player.log().at(row).kind == kind)
+            details << player.log().at(row).details;
+    }
+    return details;
+}
+
+void tst_StagePlayer::init()
+{
+    qApp->setProperty("fakeCalls", QStringList());
+    m_directory = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_directory->isValid());
+}
+
+StageFile tst_StagePlayer::editableStage() const
+{
+    QString error;
+    return StageFile::fromJson(R"({"title": "Test stage", "author": "kept", "screens": [
+            {"id": 5, "plugindata": {"gui": true, "interval": 1000, "switches": [1]}, "contents": [
+                {"params": {"name": "First"}, "note": "kept"}, {"params": {"name": "Second"}}],
+             "event": [{"type": 2, "direction": 1, "seq": [1, 2]}]},
+            {"id": 6, "name": "Door", "event": [{"type": 2, "id": 5, "screenseq": 2}]}]})",
+        m_directory->filePath(QStringLiteral("s.json")), &error)
+        .value_or(StageFile());
+}
+
+bool tst_StagePlayer::begin(StagePlayer *player) const
+{
+    if (!player->loadPlugin(QStringLiteral(FAKE_PLUGIN)))
+        return false;
+    player->begin(QString());
+    const bool switched = QTest::qWaitFor([player] { return player->current().number == 2; });
+    qApp->setProperty("fakeCalls", QStringList());
+    return switched && gui(*player);
+}
+
+void tst_StagePlayer::announce(StagePlayer &player, int screenId)
+{
+    QVERIFY(QMetaObject::invokeMethod(gui(player)->object(), "screenValuesUpdated",
+        Q_ARG(int, screenId), Q_ARG(QList<int>, QList<int>())));
+}
+
+void tst_StagePlayer::request(
+    StagePlayer &player, const QMap<int, QVariant> &contents, int screenId)
+{
+    QVERIFY(
+        QMetaObject::invokeMethod(gui(player)->object(), "requestAddContents", Q_ARG(int, screenId),
+            QGenericArgument("QMap<int,QVariant>", static_cast<const void *>(&contents))));
+}
+
+void tst_StagePlayer::setInterval(StagePlayer &player, int interval)
+{
+    QVariantMap screen = pluginData(player)->toMap();
+    QVariantMap settings = screen.value(QStringLiteral("plugindata")).toMap();
+    settings.insert(QStringLiteral("interval"), interval);
+    screen.insert(QStringLiteral("plugindata"), settings);
+    *pluginData(player) = screen;
+    announce(player);
+}
+
+QMap<int, QVariant> tst_StagePlayer::newContent(int index)
+{
+    return {{index,
+        QVariantMap{{QStringLiteral("type"), 8},
+            {QStringLiteral("name"), QStringLiteral("New & shiny")},
+            {QStringLiteral("params"), QVariantMap{{QStringLiteral("age-min"), 3}}}}}};
+}
+
+QString tst_StagePlayer::systemError() const
+{
+    QFile file(m_directory->filePath(QStringLiteral("none/file")));
+    return file.open(QIODevice::WriteOnly) ? QString() : file.errorString();
+}
+
+QJsonObject tst_StagePlayer::savedStage(const QString &name) const
+{
+    QFile file(m_directory->filePath(name));
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
+                                          : QJsonObject();
+}
+
+void tst_StagePlayer::switchesShowTheCard()
+{
+    StagePlayer player(stage("1, 0, 1"), 5);
+    QCOMPARE(player.scene().shownNumber(), 0);
+    QCOMPARE(player.current().number, 0);
+    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QSignalSpy changed(&player, &StagePlayer::currentChanged);
+    player.begin(QString());
+    QTRY_COMPARE(changed.count(), 3);
+    QCOMPARE(details(player, PlayerEvent::Switch),
+        QStringList({QStringLiteral("#2  Second"), QStringLiteral("#1  First"),
+            QStringLiteral("#2  Second")}));
+    QCOMPARE(player.current().title, QStringLiteral("Two"));
+    QCOMPARE(player.scene().shownNumber(), 2);
+    player.end();
+    QCOMPARE(details(player, PlayerEvent::Status),
+        QStringList({QStringLiteral("110  Initialised"), QStringLiteral("102  Started"),
+            QStringLiteral("104  Stopping"), QStringLiteral("100  Stopped")}));
+}
+
+void tst_StagePlayer::unknownSequence()
+{
+    StagePlayer player(stage("2, -1, 2147483647"), 5);
+    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    player.begin(QString());
+    QTRY_COMPARE(details(player, PlayerEvent::Switch),
+        QStringList(
+            {QStringLiteral("#3  (no such content)"), QStringLiteral("#0  (no such content)"),
+                QStringLiteral("#2147483648  (no such content)")}));
+    QCOMPARE(player.scene().shownNumber(), 0);
+}
+
+void tst_StagePlayer::logDirectory_data()
+{
+    QTest::addColumn<QString>("relative");
+    QTest::addColumn<bool>("usable");
+
+    QTest::newRow("a directory that has to be made") << "a/b/logs" << true;
+    QTest::newRow("a directory below a file") << "file/logs" << false;
+    QTest::newRow("none") << "" << false;
+}
+
+void tst_StagePlayer::logDirectory()
+{
+    QFETCH(QString, relative);
+    QFETCH(bool, usable);
+
+    const QTemporaryDir directory;
+    QFile file(directory.filePath(QStringLiteral("file")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString logs = relative.isEmpty() ? QString() : directory.filePath(relative);
+
+    StagePlayer player(stage(""), 5);
+    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    player.begin(logs);
+    const QString expected = usable ? logs : QString();
+    QCOMPARE(player.logDirectory(), expected);
+    const QStringList calls = qApp->property("fakeCalls").toStringList();
+    QCOMPARE(calls.value(1), QStringLiteral("setLogSetting ") + expected);
+    QCOMPARE(!logs.isEmpty() && QFileInfo(logs).isDir(), usable);
+}
+
+void tst_StagePlayer::panelLeavesTheStageBeforeThePluginGoes()
+{
+    {
+        StagePlayer player(stage(""), 5);
+        QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+        player.begin(QString());
+        QVERIFY(player.host().panel());
+    }
+    QStringList calls = qApp->property("fakeCalls").toStringList();
+    QCOMPARE(calls.mid(calls.size() - 3),
+        QStringList({QStringLiteral("stop"), QStringLiteral("deleted with status 100"),
+            QStringLiteral("panel deleted")}));
+}
+
+void tst_StagePlayer::window()
+{
+    StagePlayer player(stage("1"), 5);
+    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    MainWindow window(&player);
+    window.show();
+    const auto label
+        = [&window](const char *name) { return window.findChild<QLabel *>(QLatin1String(name)); };
+    QCOMPARE(label("status")->text(), QStringLiteral("199  Loaded"));
+    QCOMPARE(label("current")->text(), QStringLiteral("Nothing switched yet"));
+
+    player.begin(QString());
+    window.showPluginInformation();
+    QTRY_COMPARE(label("current")->text(), QStringLiteral("#2  Second"));
+    QCOMPARE(label("status")->text(), QStringLiteral("102  Started"));
+    QCOMPARE(label("name")->text(), QStringLiteral("FakePlugin 3.2.1"));
+    QCOMPARE(label("vendor")->text(), QStringLiteral("Tests"));
+    QVERIFY(label("icon")->pixmap());
+    QCOMPARE(window.findChild<QTreeView *>(QStringLiteral("events"))->model()->rowCount(),
+        player.log().rowCount());
+
+    qApp->setProperty("fakeCalls", QStringList());
+    for (const char *const name : {"stop", "start", "pause", "reload"}) {
+        auto *const button = window.findChild<QPushButton *>(QLatin1String(name));
+        QVERIFY2(button, name);
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QCOMPARE(qApp->property("fakeCalls").toStringList(),
+        QStringList({QStringLiteral("stop"), QStringLiteral("start"), QStringLiteral("pause"),
+            QStringLiteral("reload")}));
+    player.end();
+}
+
+void tst_StagePlayer::changedSettings()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QVERIFY(!player.isModified());
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    setInterval(player, 500);
+    QCOMPARE(calls(), QStringList()); // the dialog is still at work
+    QTRY_COMPARE(changed.count(), 1);
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("setStage with 2 screens"),
+            QStringLiteral("setPluginData with contents,id,plugindata"), QStringLiteral("init"),
+            QStringLiteral("start")}));
+    QCOMPARE(details(player, PlayerEvent::Edit),
+        QStringList{QStringLiteral("settings: interval 1000 -> 500")});
+    QCOMPARE(details(player, PlayerEvent::Player).last(),
+        QStringLiteral("Settings in use: gui true, interval 1000, switches "));
+    QVERIFY(player.isModified());
+    QCOMPARE(player.stage()
+                 .screenParameters(5)
+                 .value(QStringLiteral("plugindata"))
+                 .toMap()
+                 .value(QStringLiteral("interval"))
+                 .toInt(),
+        500);
+    QCOMPARE(player.current().number, 2);
+
+    setInterval(player, 1000);
+    QTRY_COMPARE(changed.count(), 2);
+    QVERIFY(!player.isModified());
+}
+
+void tst_StagePlayer::valueOfAnotherType()
+{
+    // Equal as variants, but not in the file.
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QVariantMap screen = pluginData(player)->toMap();
+    QVariantMap settings = screen.value(QStringLiteral("plugindata")).toMap();
+    settings.insert(QStringLiteral("gui"), QStringLiteral("true"));
+    screen.insert(QStringLiteral("plugindata"), settings);
+    *pluginData(player) = screen;
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    announce(player);
+    QTRY_COMPARE(changed.count(), 1);
+    QVERIFY(player.isModified());
+    QCOMPARE(details(player, PlayerEvent::Edit),
+        QStringList{QStringLiteral("settings: gui true -> true")});
+}
+
+void tst_StagePlayer::changedContent()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QVariantMap screen = pluginData(player)->toMap();
+    QVariantList contents = screen.value(QStringLiteral("contents")).toList();
+    QVariantMap entry = contents.at(1).toMap();
+    entry.insert(QStringLiteral("name"), QStringLiteral("Renamed"));
+    contents[1] = entry;
+    screen.insert(QStringLiteral("contents"), contents);
+    *pluginData(player) = screen;
+    announce(player);
+    QTRY_COMPARE(player.current().name, QStringLiteral("Renamed"));
+    QCOMPARE(details(player, PlayerEvent::Edit),
+        QStringList{QStringLiteral("content #2: name (none) -> Renamed")});
+    QCOMPARE(player.current().title, QStringLiteral("Renamed"));
+    QTRY_VERIFY(!player.scene().isMoving());
+    QCOMPARE(player.scene().shownNumber(), 2);
+
+    // Contents that go take the shown card with them.
+    screen.insert(QStringLiteral("contents"), QVariantList());
+    *pluginData(player) = screen;
+    announce(player);
+    QTRY_COMPARE(player.current().number, 0);
+    QCOMPARE(player.scene().shownNumber(), 0);
+    QCOMPARE(details(player, PlayerEvent::Edit).mid(1),
+        QStringList({QStringLiteral("content #1 removed"), QStringLiteral("content #2 removed")}));
+}
+
+void tst_StagePlayer::addedContent()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    request(player, newContent(2));
+    QTRY_COMPARE(changed.count(), 1);
+    QCOMPARE(details(player, PlayerEvent::Edit),
+        QStringList{QStringLiteral("content #3 added: New & shiny, linked by screen 6 Door")});
+    QCOMPARE(calls().mid(2), QStringList({QStringLiteral("init"), QStringLiteral("start")}));
+    QCOMPARE(pluginData(player)->toMap().value(QStringLiteral("contents")).toList().size(), 3);
+    QCOMPARE(player.contents().size(), 3);
+    QVERIFY(player.isModified());
+    const QVariantList events
+        = player.stage().screens().value(5).value(QStringLiteral("event")).toList();
+    QCOMPARE(
+        events.value(0).toMap().value(QStringLiteral("seq")).toList(), QVariantList({1, 2, 3}));
+
+    QVERIFY(QMetaObject::invokeMethod(
+        QPluginLoader(QStringLiteral(FAKE_PLUGIN)).instance(), "contentStarted", Q_ARG(int, 2)));
+    QCOMPARE(player.current().title, QStringLiteral("New & shiny"));
+    QCOMPARE(player.scene().shownNumber(), 3);
+}
+
+void tst_StagePlayer::refusedEdits()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    const QByteArray before = player.stage().toJson();
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    announce(player, 6);
+    request(player, newContent(2), -1);
+    request(player, newContent(7));
+    request(player, {{2, QVariant()}});
+    announce(player); // nothing has changed
+    QTRY_COMPARE(details(player, PlayerEvent::Edit),
+        QStringList({QStringLiteral("ignored, screen 6 is not played"),
+            QStringLiteral("ignored, screen -1 is not played"),
+            QStringLiteral("content #3 not added: contents[2]: must be an object"),
+            QStringLiteral("content #8 not added: the next content is #3")}));
+    QCOMPARE(player.stage().toJson(), before);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(calls(), QStringList());
+}
+
+void tst_StagePlayer::editsOfOneMoment()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    request(player, newContent(3));
+    request(player, newContent(2));
+    setInterval(player, 20);
+    setInterval(player, 30);
+    QTRY_COMPARE(changed.count(), 1);
+    QCOMPARE(details(player, PlayerEvent::Edit),
+        QStringList({QStringLiteral("settings: interval 1000 -> 30"),
+            QStringLiteral("content #3 added: New & shiny, linked by screen 6 Door"),
+            QStringLiteral("content #4 added: New & shiny, linked by screen 6 Door")}));
+    QCOMPARE(calls().count(QStringLiteral("init")), 1);
+}
+
+void tst_StagePlayer::editsAtTheEnd()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    request(player, newContent(2));
+    player.end(); // runs events
+    QCoreApplication::processEvents();
+    QCOMPARE(details(player, PlayerEvent::Edit), QStringList());
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("stop"), QStringLiteral("deleted with status 100"),
+            QStringLiteral("panel deleted")}));
+}
+
+void tst_StagePlayer::saved()
+{
+    StagePlayer player(editableStage(), 5);
+    QVERIFY(begin(&player));
+    QSignalSpy changed(&player, &StagePlayer::stageChanged);
+    request(player, newContent(2));
+    setInterval(player, 500);
+    QTRY_COMPARE(changed.count(), 1);
+    QString error;
+    QVERIFY(!player.save(m_directory->filePath(QStringLiteral("none/s.json")), &error));
+    const QString reason = m_directory->filePath(QStringLiteral("none/s.json"))
+        + QLatin1String(": ") + systemError();
+    QCOMPARE(error, reason);
+    QCOMPARE(
+        details(player, PlayerEvent::Player).last(), QLatin1String("Stage not saved: ") + reason);
+    QVERIFY(player.isModified());
+
+    const QString fileName = m_directory->filePath(QStringLiteral("s.json"));
+    QVERIFY(player.save(fileName, &error));
+    QVERIFY(!player.isModified());
+    QCOMPARE(details(player, PlayerEvent::Player).last(),
+        QLatin1String("Stage saved in ") + QDir::toNativeSeparators(fileName));
+    const QByteArray expected = R"({"title": "Test stage", "author": "kept", "screens": [
+        {"id": 5, "plugindata": {"gui": true, "interval": 500, "switches": [1]}, "contents": [
+            {"params": {"name": "First"}, "note": "kept"}, {"params": {"name": "Second"}},
+            {"type": 8, "name": "New & shiny", "params": {"age-min": 3}}],
+         "event": [{"type": 2, "direction": 1, "seq": [1, 2, 3]}]},
+        {"id": 6, "name": "Door", "event": [{"type": 2, "id": 5, "screenseq": 2},
+            {"type": 2, "id": 5, "screenseq": 3}]}]})";
+    QCOMPARE(savedStage(), QJsonDocument::fromJson(expected).object());
+}
+
+void tst_StagePlayer::menus()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    auto *const menu = window.findChild<QMenu *>(QStringLiteral("pluginMenu"));
+    QVERIFY(!menu->isEnabled());
+    QVERIFY(begin(&player));
+    window.show();
+    window.showPluginInformation();
+    QVERIFY(menu->isEnabled());
+    const auto texts = [](const QMenu *of) {
+        QStringList list;
+        for (const QAction *const action : of->actions())
+            list << (action->isSeparator() ? QStringLiteral("-") : action->text());
+        return list;
+    };
+    QCOMPARE(texts(menu),
+        QStringList({QStringLiteral("Add"), QStringLiteral("&Edit content"), QStringLiteral("-"),
+            QStringLiteral("Properties")}));
+    auto *const editMenu = window.findChild<QMenu *>(QStringLiteral("editMenu"));
+    QCOMPARE(texts(editMenu),
+        QStringList(
+            {QStringLiteral("Edit content #1  First"), QStringLiteral("Edit content #2  Second")}));
+
+    // With the keyboard
+    QApplication::setActiveWindow(&window);
+    menu->popup(QPoint());
+    QTRY_VERIFY(menu->isVisible());
+    QTest::keyClick(menu, Qt::Key_E);
+    QTRY_VERIFY(editMenu->isVisible());
+    QTest::keyClick(editMenu, Qt::Key_Down);
+    QTest::keyClick(editMenu, Qt::Key_Return);
+    QTRY_COMPARE(calls(), QStringList{QStringLiteral("content dialog 1 beside something")});
+    // With the mouse
+    for (const int position : {0, 3}) {
+        menu->popup(QPoint());
+        QTRY_VERIFY(menu->isVisible());
+        QTest::mouseClick(
+            menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().at(position)).center());
+    }
+    QTRY_COMPARE(
+        calls().mid(1), QStringList({QStringLiteral("add"), QStringLiteral("screen dialog")}));
+
+    request(player, newContent(2));
+    QTRY_COMPARE(editMenu->actions().size(), 3);
+    QCOMPARE(texts(editMenu).last(), QStringLiteral("Edit content #3  New && shiny"));
+    QVariantMap screen = pluginData(player)->toMap();
+    screen.insert(QStringLiteral("contents"), QVariantList());
+    *pluginData(player) = screen;
+    announce(player);
+    QTRY_COMPARE(editMenu->actions().size(), 0);
+    QVERIFY(!editMenu->isEnabled());
+}
+
+void tst_StagePlayer::menusWithoutGui()
+{
+    StagePlayer player(stage("1"), 5);
+    MainWindow window(&player);
+    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    player.begin(QString());
+    window.showPluginInformation();
+    auto *const menu = window.findChild<QMenu *>(QStringLiteral("pluginMenu"));
+    QVERIFY(!menu->isEnabled());
+    QVERIFY(menu->isEmpty());
+}
+
+void tst_StagePlayer::menusWhenThePluginHasGone()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    window.showPluginInformation();
+    player.end();
+    qApp->setProperty("fakeCalls", QStringList());
+    const auto *const menu = window.findChild<QMenu *>(QStringLiteral("pluginMenu"));
+    for (const QAction *const action : menu->actions())
+        QVERIFY(action->isSeparator() || action->menu());
+    window.findChild<QAction *>(QStringLiteral("edit1"))->trigger();
+    QCOMPARE(calls(), QStringList());
+}
+
+void tst_StagePlayer::windowSaves()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    QCOMPARE(window.windowTitle(), QStringLiteral("Test stage[*] - Stage Player"));
+    QVERIFY(!window.isWindowModified());
+    setInterval(player, 500);
+    QTRY_VERIFY(window.isWindowModified());
+    window.findChild<QAction *>(QStringLiteral("save"))->trigger();
+    QVERIFY(!window.isWindowModified());
+    QCOMPARE(savedStage(), QJsonDocument::fromJson(player.stage().toJson()).object());
+}
+
+void tst_StagePlayer::windowCannotSave()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    setInterval(player, 500);
+    QTRY_VERIFY(window.isWindowModified());
+    QVERIFY(m_directory->remove());
+    GuiTest::ModalDriver driver;
+    driver.confirmBox();
+    window.findChild<QAction *>(QStringLiteral("save"))->trigger();
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(driver.boxes(),
+        QStringList{GuiTest::ModalDriver::describeBox(QStringLiteral("critical"),
+            QStringLiteral("Stage Not Saved"),
+            player.stage().fileName() + QLatin1String(": ") + systemError(),
+            QStringLiteral("Player::MainWindow"))});
+    QVERIFY(window.isWindowModified());
+}
+
+void tst_StagePlayer::windowSavesElsewhere()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    auto *const action = window.findChild<QAction *>(QStringLiteral("saveAs"));
+    const QString other = m_directory->filePath(QStringLiteral("other"));
+    GuiTest::ModalDriver driver;
+    driver.onDialog([](QDialog *dialog) { dialog->reject(); });
+    action->trigger();
+    QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files), QStringList());
+    driver.onDialog([&other](QDialog *dialog) {
+        auto *const name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        name->setText(other);
+        QTest::keyClick(name, Qt::Key_Return);
+    });
+    action->trigger();
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(savedStage(QStringLiteral("other.json")),
+        QJsonDocument::fromJson(player.stage().toJson()).object());
+    QCOMPARE(player.stage().fileName(), other + QLatin1String(".json"));
+    QCOMPARE(window.findChild<QLabel *>(QStringLiteral("files"))->text(),
+        QStringLiteral("Stage other.json, screen 5"));
+}
+
+void tst_StagePlayer::closing_data()
+{
+    QTest::addColumn<bool>("changed");
+    QTest::addColumn<bool>("writable");
+    QTest::addColumn<int>("answer"); // 0: closes the question itself
+    QTest::addColumn<bool>("closes");
+    QTest::addColumn<bool>("saves");
+
+    QTest::newRow("nothing to save") << false << true << 0 << true << false;
+    QTest::newRow("saved") << true << true << int(QMessageBox::Save) << true << true;
+    QTest::newRow("discarded") << true << true << int(QMessageBox::Discard) << true << false;
+    QTest::newRow("cancelled") << true << true << int(QMessageBox::Cancel) << false << false;
+    QTest::newRow("not answered") << true << true << 0 << false << false;
+    QTest::newRow("cannot be saved") << true << false << int(QMessageBox::Save) << false << false;
+}
+
+void tst_StagePlayer::closing()
+{
+    QFETCH(bool, changed);
+    QFETCH(bool, writable);
+    QFETCH(int, answer);
+    QFETCH(bool, closes);
+    QFETCH(bool, saves);
+
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    window.show();
+    GuiTest::ModalDriver driver;
+    if (changed) {
+        setInterval(player, 500);
+        QTRY_VERIFY(window.isWindowModified());
+        driver.onBox([answer](QDialog *dialog) {
+            if (answer == 0)
+                QTest::keyClick(dialog, Qt::Key_Escape);
+            else
+                QTest::mouseClick(qobject_cast<QMessageBox *>(dialog)->button(
+                                      static_cast<QMessageBox::StandardButton>(answer)),
+                    Qt::LeftButton);
+        });
+    }
+    if (!writable) {
+        QVERIFY(m_directory->remove());
+        driver.confirmBox();
+    }
+    QSignalSpy closed(&window, &MainWindow::closed);
+    QCOMPARE(window.close(), closes);
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(closed.count(), int(closes));
+    QCOMPARE(window.isVisible(), !closes);
+    QCOMPARE(!savedStage().isEmpty(), saves);
+    if (changed) {
+        QCOMPARE(driver.boxes().first().section(QLatin1Char('|'), 1, 2),
+            QStringLiteral("Unsaved Changes|The stage \"Test stage\" has been changed.\n"
+                           "Do you want to save it?"));
+    }
+}
+
+void tst_StagePlayer::closingBelowADialog()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    connect(&window, &MainWindow::closed, qApp, &QCoreApplication::quit);
+    QVERIFY(begin(&player));
+    window.show();
+    QTimer::singleShot(0, &window, [&window] {
+        QDialog dialog; // a plug-in's, of which the window is no parent
+        QTimer::singleShot(0, &window, [&window] { window.close(); });
+        dialog.exec();
+    });
+    QCOMPARE(QApplication::exec(), 0);
+    player.end();
+    QCOMPARE(player.host().status(), 0);
+}
+
+QTEST_MAIN(tst_StagePlayer)
+
+#include "tst_stageplayer.moc"
