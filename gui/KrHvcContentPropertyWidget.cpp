@@ -24,7 +24,7 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
-constexpr QLatin1String ParamsKey("params");
+const QLatin1String ParamsKey("params");
 
 /// Where the search for a free range starts on a screen without contents.
 constexpr AgeRange FirstProposal{10, 19, BothGenders, false};
