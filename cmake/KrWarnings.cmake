@@ -35,6 +35,8 @@ else()
             -Wno-sign-conversion
             -Wformat=2
             $<$<BOOL:${KRHVC_WERROR}>:-Werror>
+            # Qt's logging macros
+            $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
             # GCC 12 suspects Qt's own containers of overflows when it optimises.
             $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>
     )

@@ -61,7 +61,8 @@ QSet<int> openSequences(const QVariantMap &screen, int contentCount)
 {
     QSet<int> sequences;
     bool allOpen = false;
-    for (const QVariant &entry : events(screen)) {
+    const QVariantList entries = events(screen);
+    for (const QVariant &entry : entries) {
         const QVariantMap event = entry.toMap();
         const std::optional<int> type = toInt(event.value(QStringLiteral("type")));
         if (toInt(event.value(QStringLiteral("direction"))) != OutgoingDirection || !type
@@ -88,7 +89,8 @@ QMap<int, QList<int>> linkedScreens(
     for (auto it = stageScreens.cbegin(); it != stageScreens.cend(); ++it) {
         if (it.key() == screenId)
             continue;
-        for (const QVariant &entry : events(it.value())) {
+        const QVariantList entries = events(it.value());
+        for (const QVariant &entry : entries) {
             const QVariantMap event = entry.toMap();
             const std::optional<int> sequence = toInt(event.value(QStringLiteral("screenseq")));
             if (toInt(event.value(Keys::Id)) != screenId

@@ -101,9 +101,11 @@ signals:
 
 private slots:
     void onDataReceived(const QString &data);
-    // clazy:excludeall=fully-qualified-moc-types: hosts invoke these by the unqualified names
-    void sendLogMessage(const QString &message, LogDivision logDivision);
-    void sendStartedEvents(const QList<CalculatedData> &calcedList);
+    // Hosts invoke these two by the unqualified names of their arguments.
+    // clang-format off
+    void sendLogMessage(const QString &message, LogDivision logDivision); // clazy:exclude=fully-qualified-moc-types
+    void sendStartedEvents(const QList<CalculatedData> &calcedList); // clazy:exclude=fully-qualified-moc-types
+    // clang-format on
     void onScreenValuesUpdated(int screenId, const QList<int> &seqIndexList);
     void onFailedToStart(const QString &msg);
     void onErrorOccured(const QString &msg);

@@ -44,7 +44,8 @@ void placeDialog(QDialog *dialog, const QRect &anchor, int horizontalRoom)
 
 void deleteActions(QList<QAction *> &actions)
 {
-    for (QAction *action : std::exchange(actions, {})) {
+    const QList<QAction *> owned = std::exchange(actions, {});
+    for (QAction *action : owned) {
         action->setParent(nullptr);
         delete action;
     }

@@ -92,7 +92,8 @@ void KrHvcScreenPropertyWidget::loadValues()
     if (m_pluginData == nullptr || m_pluginData->isNull())
         return;
     const QVariantMap settings = m_pluginData->toMap().value(Keys::PluginData).toMap();
-    for (const Field &field : fields())
+    const QList<Field> allFields = fields();
+    for (const Field &field : allFields)
         field.spinBox->setValue(settings.value(field.key, field.loadDefault).toInt());
     m_visibleMonitoring->setChecked(
         isTrueText(settings.value(Keys::DisplayMonitoring, Keys::False)));
@@ -106,7 +107,8 @@ bool KrHvcScreenPropertyWidget::applyValues()
     QVariantMap screen = m_pluginData->toMap();
     QVariantMap settings = screen.value(Keys::PluginData).toMap();
     bool changed = false;
-    for (const Field &field : fields()) {
+    const QList<Field> allFields = fields();
+    for (const Field &field : allFields) {
         const int value = field.spinBox->value();
         if (settings.value(field.key, -1).toInt() == value)
             continue;

@@ -230,7 +230,7 @@ QStringList StagePlayer::addRequestedContents()
             lines << tr("content #%1 not added: %2").arg(number, error);
             continue;
         }
-        const QString name = m_stage.contents(m_screenId).last().name;
+        const QString name = m_stage.contents(m_screenId).constLast().name;
         lines << tr("content #%1 added: %2, %3").arg(number, name, describeLinks(it.key() + 1));
     }
     return lines;
