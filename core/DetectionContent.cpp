@@ -52,7 +52,7 @@ DetectionContent readContent(const QVariantMap &entry, int sequenceNumber)
 
 QVariantList events(const QVariantMap &screen)
 {
-    return screen.value(QStringLiteral("event")).toList();
+    return screen.value(QStringLiteral("event")).value<QVariantList>();
 }
 
 /// The sequences that this screen's own events open to links. @p contentCount bounds the events
@@ -69,7 +69,8 @@ QSet<int> openSequences(const QVariantMap &screen, int contentCount)
             || *type < LowestSequenceType)
             continue;
 
-        const QVariantList listed = event.value(QStringLiteral("seq")).toList();
+        // value(), unlike toList(), takes lists of plain ints as well.
+        const QVariantList listed = event.value(QStringLiteral("seq")).value<QVariantList>();
         allOpen = allOpen || listed.isEmpty();
         for (const QVariant &item : listed) {
             if (const std::optional<int> sequence = toInt(item))

@@ -17,8 +17,8 @@ struct DetectionContent
     int ageMax = -1; ///< years, inclusive
     int genders = UnknownGender; ///< set of Gender bits
     bool isDefault = false; ///< fallback for viewers of its genders
-    QList<int>
-        identifiers; ///< ids of the screens linked to the sequence; sending is restricted by them
+    /// Ids of the screens linked to the sequence; sending is restricted by them.
+    QList<int> identifiers;
 
     bool isValid() const;
     bool coversAge(int age) const { return ageMin <= age && age <= ageMax; }

@@ -15,7 +15,7 @@ struct FaceResultItem
     /// Detection: map of "X", "Y", "Size". Direction: map of "LR", "UD", "Roll" (those measured)
     /// and "DirectionValue". Age: int, years. Gender: int, a Gender code.
     QVariant value;
-    int confidence = 0;
+    int confidence = 0; ///< the sensor's own measure, usually 0 to 1000
     bool marked = false; ///< the line of an age or gender held a '*'
 
     bool isValid() const { return kind != None && value.isValid() && !value.isNull(); }

@@ -20,8 +20,9 @@ struct SensorFrame
     bool noFace = false; ///< the program counted no face
 };
 
-/// Reads one chunk of the sensor program's output, line by line. Needs no state but the chunk: a
-/// line or face that is cut off at its end is lost.
+/// Reads one chunk of the sensor program's output, line by line. Nothing is carried over to the
+/// next chunk: the pieces of a line that was cut are lines of their own, a face that was cut is
+/// lost.
 class SensorOutputParser
 {
     Q_DECLARE_TR_FUNCTIONS(SensorOutputParser)

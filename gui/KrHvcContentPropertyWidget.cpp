@@ -2,6 +2,7 @@
 
 #include "core/DetectionContent.h"
 #include "core/ScreenSettings.h"
+#include "gui/BuddyLabel.h"
 #include "gui/MessageBox.h"
 #include "host/KrPluginKeys.h"
 
@@ -42,13 +43,6 @@ QSpinBox *createAgeSpinBox(const QString &name, int value)
     spinBox->setValue(value);
     spinBox->setAlignment(Qt::AlignRight);
     return spinBox;
-}
-
-QLabel *createBuddyLabel(const QString &text, QWidget *buddy)
-{
-    auto *label = new QLabel(text);
-    label->setBuddy(buddy);
-    return label;
 }
 
 QSpacerItem *createRowSpacer(int width)

@@ -1,6 +1,7 @@
 #include "gui/KrHvcScreenPropertyWidget.h"
 
 #include "core/ScreenSettings.h"
+#include "gui/BuddyLabel.h"
 #include "host/KrPluginKeys.h"
 
 #include <QCheckBox>
@@ -32,13 +33,6 @@ QSpinBox *createSpinBox(const QString &name, int minimum, int maximum, int step,
 QSpinBox *createConfidenceSpinBox(const QString &name)
 {
     return createSpinBox(name, 0, 1000, 1, 0);
-}
-
-QLabel *createBuddyLabel(const QString &text, QWidget *buddy)
-{
-    auto *label = new QLabel(text);
-    label->setBuddy(buddy);
-    return label;
 }
 
 /// A small text below what it explains. Layouts reckon with a wrapped text's height only while

@@ -39,6 +39,12 @@ bool isFileOrAbsent(const QString &path)
     return !info.exists() || info.isFile();
 }
 
+/// The lock file is truncated when it is taken; a link could make us empty somebody's file.
+bool mayTruncate(const QString &path)
+{
+    return !QFileInfo(path).isSymLink() && isFileOrAbsent(path);
+}
+
 /// Lets the calling thread's events run for one turn.
 void waitOneTurn()
 {
@@ -204,21 +210,20 @@ bool PluginLogger::appendRecord(
 
 bool PluginLogger::takeLockFile(const QString &path, const QDeadlineTimer &deadline) const
 {
-    const QFileInfo info(path);
-    // The lock file is truncated when it is taken; a link could make us empty somebody's file.
-    if (info.isSymLink())
+    if (!mayTruncate(path))
         return false;
 
+    const QFileInfo info(path);
     if (info.exists() && info.lastModified().msecsTo(m_clock()) <= StaleLockAgeMs) {
         while (QFileInfo::exists(path)) {
             if (deadline.hasExpired())
                 return false;
             waitOneTurn();
         }
+        if (!mayTruncate(path))
+            return false;
     }
 
-    if (!isFileOrAbsent(path))
-        return false;
     QFile lockFile(path);
     return lockFile.open(QIODevice::WriteOnly);
 }

@@ -34,7 +34,8 @@ struct LogSettings
 ///
 /// Any thread may write. While a write waits for the lock file it spins the event loop of its
 /// thread; a write that arrives on that thread meanwhile is kept and written by the waiting one,
-/// behind its own record, or lost with it.
+/// behind its own record, or lost with it. A record's time is that of its writing, so that the
+/// times in a file never go back.
 class PluginLogger
 {
 public:

@@ -13,8 +13,8 @@ class KrTextItemButton_Private : public KrTextItem_Private
 public:
     explicit KrTextItemButton_Private(const QString &text, QGraphicsItem *parent = nullptr);
 
-    qreal documentWidth() const;
-    qreal documentHeight() const;
+    qreal documentWidth() const; ///< of the laid out text, in panel coordinates
+    qreal documentHeight() const; ///< of the laid out text, in panel coordinates
 
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
 

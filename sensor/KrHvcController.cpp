@@ -7,6 +7,9 @@
 #include <QMutexLocker>
 #include <QPointer>
 #include <QTimer>
+#include <QVector>
+
+#include <utility>
 
 namespace PluginKrHvcP2 {
 
@@ -24,45 +27,49 @@ quint32 receivedChunks = 0; // for the trace only
 
 } // namespace
 
-/// Marks that a signal of the process is being handled. Its receivers run host code and event
-/// loops, which may delete the controller; the process itself must outlive its own signal.
+/// The process's functions and signals that are on the stack now. Their receivers run host code and
+/// event loops, which may let the process go or delete the controller; a process let go in that
+/// time is kept until the last of them has returned, since its own code goes on below them.
+struct KrHvcController::SignalStack
+{
+    int depth = 0;
+    QVector<QProcess *> retired; // ended, without parent
+};
+
 class KrHvcController::SignalScope
 {
 public:
-    explicit SignalScope(KrHvcController *controller)
-        : m_controller(controller)
+    explicit SignalScope(std::shared_ptr<SignalStack> stack)
+        : m_stack(std::move(stack))
     {
-        ++m_controller->m_signalDepth;
+        ++m_stack->depth;
     }
+
     ~SignalScope()
     {
-        if (m_controller)
-            --m_controller->m_signalDepth;
+        if (--m_stack->depth > 0)
+            return;
+        const QVector<QProcess *> retired = std::exchange(m_stack->retired, {});
+        for (QProcess *process : retired)
+            process->deleteLater();
     }
 
 private:
     Q_DISABLE_COPY(SignalScope)
 
-    QPointer<KrHvcController> m_controller;
+    const std::shared_ptr<SignalStack> m_stack;
 };
 
 KrHvcController::KrHvcController(const QString &directory, QObject *parent)
     : QObject(parent)
     , m_directory(directory)
+    , m_signalStack(std::make_shared<SignalStack>())
 { }
 
 KrHvcController::~KrHvcController()
 {
-    if (m_signalDepth == 0)
-        return; // the process goes with its parent
-
-    const auto processes = findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
-    for (QProcess *process : processes) {
-        process->disconnect(this);
-        process->setParent(nullptr);
-        process->kill();
-        process->deleteLater();
-    }
+    if (m_process != nullptr && detach(m_process))
+        delete m_process;
 }
 
 void KrHvcController::start()
@@ -80,17 +87,18 @@ void KrHvcController::stop()
 
     if (m_process->state() == QProcess::Running) {
         const QPointer<KrHvcController> self(this);
-        const QPointer<QProcess> process(m_process);
+        QProcess *const process = m_process;
+        const SignalScope scope(m_signalStack);
         process->write(StopKey);
         process->waitForBytesWritten(StopKeyTimeoutMs);
         // Output that arrives in the wait runs the receivers of dataReceived().
-        if (!self || !process || process != m_process)
+        if (!self || process != m_process)
             return;
     }
 
-    m_process->disconnect(this); // a later process must not be taken for this one
-    m_process->deleteLater();
-    m_process = nullptr;
+    QProcess *const process = std::exchange(m_process, nullptr);
+    if (detach(process))
+        process->deleteLater();
     // A receiver that called start() in the wait found the process still running.
     if (!isStopRequested())
         QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
@@ -101,7 +109,7 @@ void KrHvcController::onReadyReadStandardOutput()
 {
     if (m_process == nullptr)
         return;
-    const SignalScope scope(this);
+    const SignalScope scope(m_signalStack);
     const QByteArray bytes = m_process->readAllStandardOutput();
     const QString text = QString::fromUtf8(bytes.constData(), bytes.size()); // keeps NULs
     qCDebug(krhvcSensor).noquote() << text;
@@ -125,7 +133,7 @@ void KrHvcController::onProcessFinished(int result, QProcess::ExitStatus exitSta
 
 void KrHvcController::onProcessErrorOccured(QProcess::ProcessError error)
 {
-    const SignalScope scope(this);
+    const SignalScope scope(m_signalStack);
     qCDebug(krhvcSensor) << "Process Error:" << error;
 
     QString reason = tr("Unknown error.");
@@ -156,7 +164,7 @@ void KrHvcController::onProcessErrorOccured(QProcess::ProcessError error)
 
 void KrHvcController::onProcessStateChanged(QProcess::ProcessState state)
 {
-    const SignalScope scope(this);
+    const SignalScope scope(m_signalStack);
     qCDebug(krhvcSensor) << "Process State Changed:" << state;
 
     switch (state) {
@@ -180,8 +188,12 @@ void KrHvcController::killAndStartProcess()
 
 void KrHvcController::startProcess()
 {
-    if (isStopRequested() || m_startInProgress)
+    if (isStopRequested())
         return;
+    if (m_startInProgress) {
+        m_startMissed = true;
+        return;
+    }
 
     m_startInProgress = true;
     if (m_process != nullptr) {
@@ -189,7 +201,9 @@ void KrHvcController::startProcess()
             m_startInProgress = false;
             return;
         }
-        deleteEndedProcess();
+        QProcess *const process = std::exchange(m_process, nullptr);
+        if (detach(process))
+            delete process; // ends it when it was still starting
     }
 
     if (!ProcessList::find(ProgramName).empty()) {
@@ -205,10 +219,13 @@ void KrHvcController::startProcess()
 
     // Where a failure is reported from within start(), its receivers may delete this.
     const QPointer<KrHvcController> self(this);
-    const SignalScope scope(this);
+    const SignalScope scope(m_signalStack);
     m_process->start(program, arguments, QIODevice::ReadWrite | QIODevice::Unbuffered);
-    if (self)
-        m_startInProgress = false;
+    if (!self)
+        return;
+    m_startInProgress = false;
+    if (std::exchange(m_startMissed, false))
+        QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
 }
 
 bool KrHvcController::isStopRequested()
@@ -223,15 +240,17 @@ void KrHvcController::setStopRequested(bool stopRequested)
     m_stopRequested = stopRequested;
 }
 
-void KrHvcController::deleteEndedProcess()
+/// Lets nothing of @p process arrive here any more. True when the caller may delete it; else it has
+/// been ended and is deleted once none of its signals is on the stack.
+bool KrHvcController::detach(QProcess *process)
 {
-    QProcess *process = m_process;
-    m_process = nullptr;
-    process->disconnect(this);
-    if (m_signalDepth == 0)
-        delete process; // ends it when it was still starting
-    else
-        process->deleteLater();
+    process->disconnect(this); // a later process must not be taken for this one
+    if (m_signalStack->depth == 0)
+        return true;
+    process->setParent(nullptr);
+    process->kill();
+    m_signalStack->retired.append(process);
+    return false;
 }
 
 // Blanks within SIGNAL and SLOT would not be the normalised form.

@@ -5,14 +5,15 @@
 #include <QProcess>
 #include <QString>
 
+#include <memory>
+
 namespace PluginKrHvcP2 {
 
 /// Keeps the sensor program running as a child process and passes its output on, unparsed.
 ///
 /// A program that ends or fails to start is started again 5 s later. Other processes of the same
 /// name are ended first: a copy left over from an earlier run holds the COM port.
-/// start() and stop() only set a flag before they touch the process; everything else belongs to
-/// the thread that owns the controller.
+/// Belongs to one thread; only the flag that stop() sets is guarded against others.
 class KrHvcController : public QObject
 {
     Q_OBJECT
@@ -55,23 +56,25 @@ private slots:
     void startProcess();
 
 private:
+    struct SignalStack;
     class SignalScope;
 
     bool isStopRequested();
     void setStopRequested(bool stopRequested);
-    void deleteEndedProcess();
+    bool detach(QProcess *process);
     QProcess *createProcess();
 
     QProcess *m_process = nullptr; // child of this
     const QString m_directory;
     bool m_stopRequested = false;
     bool m_startInProgress = false;
+    bool m_startMissed = false; // one was asked for while another was in progress
     QMutex m_stateMutex; // guards m_stopRequested
     QMutex m_spareMutex; // reserved; nothing locks it
     int m_interval = 500;
     int m_port = 3;
     int m_speed = 921600;
-    int m_signalDepth = 0; // slots called by the process that are on the stack now
+    std::shared_ptr<SignalStack> m_signalStack; // outlives this while a signal is being handled
 };
 
 } // namespace PluginKrHvcP2

@@ -365,6 +365,7 @@ void tst_DetectionContent::identifiers_data()
     ownRow("a list that is nothing opens all", opening(QVariant()), both);
     ownRow("one listed sequence", opening(QVariantList{2}), second);
     ownRow("two listed sequences", opening(QVariantList{2, 1}), both);
+    ownRow("a list of plain numbers", opening(QVariant::fromValue(QList<int>{2})), second);
     ownRow("listed sequences as text", opening(QVariantList{QStringLiteral("2")}), second);
     ownRow("a list of texts", opening(QStringList{QStringLiteral("1")}), first);
     ownRow("entries that are no numbers are passed over",
