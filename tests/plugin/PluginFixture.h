@@ -3,6 +3,7 @@
 #include "host/KrPluginExtScreenInterface.h"
 #include "host/KrPluginGraphicsItem.h"
 #include "host/KrPluginStage.h"
+#include "sensor/ProcessList.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -196,24 +197,19 @@ bool waitWithoutEvents(Condition condition)
     return true;
 }
 
-/// Number of living processes with the sensor program's name; -1 where that cannot be told.
+/// Number of living processes with the sensor program's name.
 inline int sensorProcessCount()
 {
-#ifdef Q_OS_LINUX
-    int count = 0;
-    const QStringList ids = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &id : ids) {
-        // pid (name) state ...
-        const QByteArray stat = readFile(QStringLiteral("/proc/%1/stat").arg(id));
-        const int nameEnd = stat.lastIndexOf(')');
-        const QByteArray name = stat.mid(stat.indexOf('(') + 1, nameEnd - stat.indexOf('(') - 1);
-        if (name.toLower() == "hvccon.exe" && stat.mid(nameEnd + 2, 1) != "Z")
-            ++count;
-    }
-    return count;
-#else
-    return -1;
-#endif
+    return static_cast<int>(PluginKrHvcP2::ProcessList::find("HvcCon.exe").size());
+}
+
+/// Puts a sensor program into @p directory that does what @p commands say; they are those of
+/// ../sensor/standin/Standin.cpp.
+inline bool installStandIn(const QString &directory, const QByteArray &commands)
+{
+    const QString program = QDir(directory).filePath(QStringLiteral("HvcCon.exe"));
+    return (QFile::exists(program) || QFile::copy(QStringLiteral(KRHVC_STANDIN_FILE), program))
+        && writeFile(program + QLatin1String(".do"), commands);
 }
 
 struct Content

@@ -80,9 +80,7 @@ private slots:
 
 void tst_EndToEnd::cleanup()
 {
-#ifdef Q_OS_LINUX
     QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
-#endif
     qunsetenv("KRHVC_SCENARIO");
 }
 
@@ -124,7 +122,7 @@ void tst_EndToEnd::switchesFollowTheViewers()
     QVERIFY(log.endsWith(Stopped));
     QTRY_VERIFY(panel.statusTexts().contains(QStringLiteral("Stopped.")));
     QVERIFY(panel.noticeTexts().contains(QStringLiteral("A switch to #3 has been sent.")));
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount() > 0, false, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
     QCOMPARE(plugin.log(), log); // its forced end is no crash
 }
 
@@ -179,7 +177,7 @@ void tst_EndToEnd::portWithoutSensor()
     const QString row
         = QStringLiteral("<tr><td><span style=\"color:red;font-weight:bold;\">%1</span></td></tr>");
     QTRY_VERIFY(panel.statusHtml().contains(rendered(table(row.arg(text)))));
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount() > 0, false, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
     QCOMPARE(plugin->status(), 102); // it will be tried again
 }
 
@@ -214,7 +212,7 @@ void tst_EndToEnd::deletionInsideTheHost()
     connect(plugin.object(), SIGNAL(contentStarted(int)), &host, SLOT(deleteSender()));
     plugin->start();
     QTRY_VERIFY_WITH_TIMEOUT(plugin.object() == nullptr, ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount() > 0, false, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
     QVERIFY(plugin.log().contains(QStringLiteral("Age:25")));
 }
 

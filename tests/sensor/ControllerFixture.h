@@ -15,18 +15,23 @@
 #include <QVector>
 
 #include <algorithm>
+
+#ifdef Q_OS_UNIX
 #include <csignal>
+#endif
 
 /// For everything that must happen sooner or later, on a busy machine too.
 constexpr int Patience = 20000;
 
 const QString ErrorStart = QStringLiteral("error: Error occured in the process controller. ");
 
-/// A directory for a sensor program. The stand-ins are shell scripts, one for each behaviour; they
-/// note their process ids.
+/// A directory for a sensor program. Copies of one native program stand in for it; each is told
+/// what to do by a file beside it and notes its process id.
 class SensorDirectory
 {
 public:
+    using ProcessId = PluginKrHvcP2::ProcessList::ProcessId;
+
     explicit SensorDirectory(const QString &subdirectory = QString())
         : m_path(subdirectory.isEmpty() ? m_directory.path() : m_directory.filePath(subdirectory))
     {
@@ -49,46 +54,50 @@ public:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    /// Puts a script in place of the sensor program. It knows its directory as $dir.
-    bool install(const QByteArray &script, const QString &name = QStringLiteral("HvcCon.exe")) const
+    /// Puts a stand-in there, or lets the next start of the one that is there do something else.
+    /// @p commands are those of standin/Standin.cpp.
+    bool install(
+        const QByteArray &commands, const QString &name = QStringLiteral("HvcCon.exe")) const
     {
-        // A new file each time: a script that still runs is read while it runs.
-        QFile::remove(filePath(name));
-        return write(name,
-                   "#!/bin/sh\n"
-                   "ulimit -c 0\n"
-                   "dir=${0%/*}\n"
-                   "echo $$ >> \"$dir/pids\"\n"
-                       + script + '\n')
-            && QFile::setPermissions(filePath(name),
-                QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
-                    | QFile::ExeGroup);
+        return (exists(name) || QFile::copy(QStringLiteral(STANDIN), filePath(name)))
+            && write(name + QLatin1String(".do"), commands);
     }
 
     /// The processes that were ever started here, oldest first.
-    QVector<pid_t> startedCopies() const
+    QVector<ProcessId> startedCopies() const
     {
-        QVector<pid_t> ids;
+        QVector<ProcessId> ids;
         const auto lines = read(QStringLiteral("pids")).split('\n');
         for (const QByteArray &line : lines) {
             if (!line.isEmpty())
-                ids << line.toInt();
+                ids << line.toUInt();
         }
         return ids;
     }
 
-    QVector<pid_t> livingCopies() const
+    QVector<ProcessId> livingCopies() const
     {
-        QVector<pid_t> ids;
+        QVector<ProcessId> ids;
         const auto started = startedCopies();
-        for (const pid_t id : started) {
-            if (::kill(id, 0) == 0)
+        for (const ProcessId id : started) {
+            if (isThere(id))
                 ids << id;
         }
         return ids;
     }
 
 private:
+    static bool isThere(ProcessId id)
+    {
+#ifdef Q_OS_UNIX
+        return ::kill(static_cast<pid_t>(id), 0) == 0; // one that nobody has waited for, too
+#else
+        const auto ids
+            = PluginKrHvcP2::ProcessList::find(PluginKrHvcP2::KrHvcController::ProgramName);
+        return std::find(ids.begin(), ids.end(), id) != ids.end();
+#endif
+    }
+
     const QTemporaryDir m_directory;
     const QString m_path;
 };
@@ -188,17 +197,13 @@ inline bool noSensorProgramRuns()
 // What the stand-ins do. All of them say something first, so that a test knows that they are up.
 namespace StandIn {
 
-const QByteArray EndsOnKey = "printf ready\ndd bs=1 count=1 >/dev/null 2>&1";
-const QByteArray IgnoresEverything
-    = "trap '' TERM INT HUP\nprintf ready\nwhile :; do read line || sleep 1; done";
-
-const QByteArray ClosesItsInput = "exec 0<&-\nprintf ready\nwhile :; do sleep 1; done";
+const QByteArray EndsOnKey = "say ready\nkey";
+const QByteArray NeverReads = "say ready\nforever";
+const QByteArray IgnoresEverything = "ignore-signals\nsay ready\ndrain\nforever";
+const QByteArray IsSuspended = "say ready\nsuspend\nforever";
+const QByteArray ClosesItsInput = "close 0\nsay ready\nforever";
 
 /// Says more on demand, by the files "go" and "done".
-const QByteArray SaysMoreLater = "printf ready\n"
-                                 "while [ ! -e \"$dir/go\" ]; do sleep 0.05; done\n"
-                                 "printf more\n"
-                                 ": > \"$dir/done\"\n"
-                                 "while read line; do :; done";
+const QByteArray SaysMoreLater = "say ready\nwait go\nsay more\ntouch done\ndrain";
 
 } // namespace StandIn

@@ -43,14 +43,14 @@ void tst_KrHvcControllerTiming::restarts()
     QStringList log{ErrorStart + QLatin1String("Failed to start.")};
     QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
 
-    QVERIFY(directory.install("printf one\nkill -ABRT $$"));
+    QVERIFY(directory.install("say one\ncrash abort"));
     log << QStringLiteral("started") << QStringLiteral("data: one")
         << ErrorStart + QLatin1String("Crashed.");
     QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
     qint64 delay = watched.times.at(1) - watched.times.at(0);
     QVERIFY2(delay >= Restart && delay <= Restart + Late, QByteArray::number(delay).constData());
 
-    QVERIFY(directory.install("printf two"));
+    QVERIFY(directory.install("say two"));
     log << QStringLiteral("started") << QStringLiteral("data: two");
     QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
     delay = watched.times.at(4) - watched.times.at(3);
@@ -67,16 +67,19 @@ void tst_KrHvcControllerTiming::restarts()
 
 void tst_KrHvcControllerTiming::staleCopies()
 {
-    // A program and a script, in odd letter case, that somebody else has started.
-    const SensorDirectory elsewhere;
-    QVERIFY(QFile::copy(QStringLiteral(STANDIN), elsewhere.filePath(QStringLiteral("hvccon.EXE"))));
-    QVERIFY(elsewhere.install(StandIn::IgnoresEverything, QStringLiteral("HVCCON.exe")));
-    QProcess program;
-    QProcess script;
-    program.start(elsewhere.filePath(QStringLiteral("hvccon.EXE")), QStringList());
-    script.start(elsewhere.filePath(QStringLiteral("HVCCON.exe")), QStringList());
-    QVERIFY(program.waitForReadyRead(Patience));
-    QVERIFY(script.waitForReadyRead(Patience));
+    // Two programs in odd letter case that somebody else has started.
+    const SensorDirectory elsewhere(QString::fromUtf8("\u65e5\u672c"));
+    const SensorDirectory elsewhereToo;
+    const QString oddCase = QStringLiteral("hvccon.EXE");
+    const QString upperCase = QStringLiteral("HVCCON.EXE");
+    QVERIFY(elsewhere.install(StandIn::EndsOnKey, oddCase));
+    QVERIFY(elsewhereToo.install(StandIn::IgnoresEverything, upperCase));
+    QProcess first;
+    QProcess second;
+    first.start(elsewhere.filePath(oddCase), QStringList());
+    second.start(elsewhereToo.filePath(upperCase), QStringList());
+    QVERIFY(first.waitForReadyRead(Patience));
+    QVERIFY(second.waitForReadyRead(Patience));
 
     const SensorDirectory directory;
     QVERIFY(directory.install(StandIn::EndsOnKey));
@@ -84,11 +87,17 @@ void tst_KrHvcControllerTiming::staleCopies()
     watched->start();
     QVERIFY(watched->findChildren<QProcess *>().isEmpty()); // only the ending is scheduled
 
-    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QProcess::NotRunning, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(first.state(), QProcess::NotRunning, Patience);
     const qint64 ended = watched.elapsed();
     QVERIFY2(ended >= Restart, QByteArray::number(ended).constData());
-    QCOMPARE(program.exitStatus(), QProcess::CrashExit);
-    QTRY_COMPARE_WITH_TIMEOUT(script.state(), QProcess::NotRunning, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, Patience);
+    for (const QProcess *copy : {&first, &second}) {
+#ifdef Q_OS_WIN
+        QCOMPARE(copy->exitCode(), -1);
+#else
+        QCOMPARE(copy->exitStatus(), QProcess::CrashExit);
+#endif
+    }
 
     const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
     QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
@@ -159,7 +168,9 @@ void tst_KrHvcControllerTiming::stopAndStart_data()
 
     QTest::newRow("start right after stop") << 0;
     QTest::newRow("start in the signal of stop") << 1;
+#ifdef Q_OS_UNIX // elsewhere Qt does not tell of a key that nobody reads
     QTest::newRow("start by the error of the stop key") << 2;
+#endif
 }
 
 void tst_KrHvcControllerTiming::stopAndStart()
