@@ -70,7 +70,7 @@ QSet<int> openSequences(const QVariantMap &screen, int contentCount)
             continue;
 
         // value(), unlike toList(), takes lists of plain ints as well.
-        const QVariantList listed = event.value(QStringLiteral("seq")).value<QVariantList>();
+        const auto listed = event.value(QStringLiteral("seq")).value<QVariantList>();
         allOpen = allOpen || listed.isEmpty();
         for (const QVariant &item : listed) {
             if (const std::optional<int> sequence = toInt(item))
