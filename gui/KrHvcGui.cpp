@@ -30,6 +30,8 @@ QDialog *createDialog(QWidget *content)
 {
     auto *dialog = new QDialog;
     dialog->setWindowFlags(dialog->windowFlags() ^ Qt::WindowContextHelpButtonHint);
+    // Else exec(), ended by the application's quit(), leaves a window that blocks others for good.
+    dialog->setModal(true);
     auto *layout = new QBoxLayout(QBoxLayout::TopToBottom, dialog);
     layout->addWidget(content);
     layout->addWidget(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));

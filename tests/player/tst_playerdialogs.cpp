@@ -354,6 +354,7 @@ void tst_PlayerDialogs::endedBelowADialog()
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (const QWidget *const window : windows)
         QVERIFY(!window->isVisible() || window == m_window.get());
+    QCOMPARE(QApplication::activeModalWidget(), nullptr);
 }
 
 void tst_PlayerDialogs::deletedBelowADialog_data()
