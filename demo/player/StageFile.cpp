@@ -260,12 +260,17 @@ QColor defaultColor(int number)
 
 std::optional<StageFile> StageFile::read(const QString &fileName, QString *error)
 {
-    QFile file(fileName);
+    const QFileInfo info(fileName);
+    if (!info.exists()) {
+        *error = complaint(fileName, tr("no such file"));
+        return std::nullopt;
+    }
     // A pipe of that name would block the open for ever.
-    if (file.exists() && !QFileInfo(fileName).isFile()) {
+    if (!info.isFile()) {
         *error = complaint(fileName, tr("is not a file"));
         return std::nullopt;
     }
+    QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         *error = complaint(fileName, file.errorString());
         return std::nullopt;

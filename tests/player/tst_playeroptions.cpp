@@ -47,16 +47,18 @@ void tst_PlayerOptions::defaults()
 
 void tst_PlayerOptions::everything()
 {
+    const QString plugin = QDir::rootPath() + QLatin1String("p/x.so");
     const Options options
-        = parse(QStringLiteral(" --headless --seconds 2.5 --stage a.json --screen -4 --plugin "
-                               "/p/x.so --log-dir ../l --screenshot s.png --replay=r.txt"));
+        = parse(QStringLiteral(" --headless --seconds 2.5 --stage a.json --screen -4 --plugin %1 "
+                               "--log-dir ../l --screenshot s.png --replay=r.txt")
+                    .arg(plugin));
     const QDir here = QDir::current();
     QCOMPARE(options.request, Options::Run);
     QVERIFY(options.headless);
     QCOMPARE(options.milliseconds.value_or(-1), 2500);
     QCOMPARE(options.stageFile, here.absoluteFilePath(QStringLiteral("a.json")));
     QCOMPARE(options.screenId.value_or(0), -4);
-    QCOMPARE(options.pluginFile, QStringLiteral("/p/x.so"));
+    QCOMPARE(options.pluginFile, plugin);
     QCOMPARE(options.logDirectory, QDir::cleanPath(here.absoluteFilePath(QStringLiteral("../l"))));
     QCOMPARE(options.screenshotFile, here.absoluteFilePath(QStringLiteral("s.png")));
     QCOMPARE(options.replayFile, here.absoluteFilePath(QStringLiteral("r.txt")));

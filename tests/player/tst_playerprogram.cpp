@@ -1,4 +1,6 @@
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
@@ -35,6 +37,7 @@ private:
     };
 
     static Result run(const QStringList &arguments);
+    static QString text(const QByteArray &printed);
     QString writeStage(const QByteArray &json);
     static QString withoutTimes(QString output);
 
@@ -47,8 +50,14 @@ tst_PlayerProgram::Result tst_PlayerProgram::run(const QStringList &arguments)
     process.start(QStringLiteral(PLAYER), arguments);
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
         return {};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-        QString::fromUtf8(process.readAllStandardError())};
+    return {process.exitCode(), text(process.readAllStandardOutput()),
+        text(process.readAllStandardError())};
+}
+
+/// Without the carriage returns that lines end with on Windows.
+QString tst_PlayerProgram::text(const QByteArray &printed)
+{
+    return QString::fromUtf8(printed).remove(QLatin1Char('\r'));
 }
 
 QString tst_PlayerProgram::writeStage(const QByteArray &json)
@@ -86,8 +95,7 @@ void tst_PlayerProgram::refused_data()
     QTest::newRow("an unknown option")
         << good << "--headless --loud" << 2 << "Unknown option 'loud'.";
     QTest::newRow("a stage file that does not exist")
-        << good << "--headless --stage %1/none.json" << 2
-        << "%1/none.json: No such file or directory";
+        << good << "--headless --stage %1/none.json" << 2 << "%1/none.json: no such file";
     QTest::newRow("a stage file that does not parse")
         << QByteArray("{\n\"screens\": [}") << "--headless --stage %1/stage.json" << 2
         << "%1/stage.json:2:14: object is missing after a comma";
@@ -103,7 +111,8 @@ void tst_PlayerProgram::refused_data()
         << "%1/none.txt: no such file";
     QTest::newRow("a plug-in file that is of another kind")
         << good << "--headless --stage %1/stage.json --plugin " PLAIN_PLUGIN << 1
-        << PLAIN_PLUGIN ": The file is not a screen plug-in.";
+        << QFileInfo(QStringLiteral(PLAIN_PLUGIN)).absoluteFilePath()
+            + QLatin1String(": The file is not a screen plug-in.");
     QTest::newRow("a plug-in file that does not exist")
         << good << "--headless --stage %1/stage.json --plugin %1/none.so" << 1
         << "%1/none.so: The shared library was not found.";
@@ -168,7 +177,7 @@ void tst_PlayerProgram::headlessLines()
                        "switch  #1  Women 20-39\n"
                        "status  104  Stopping\n"
                        "status  100  Stopped\n")
-            .arg(logs));
+            .arg(QDir::toNativeSeparators(logs)));
     QCOMPARE(result.status, 0);
     QVERIFY(QFile::exists(logs));
 }
