@@ -1,8 +1,20 @@
 # What an archive holds: plugin/ for the integrator, demo/ to try it out, devel/ to build a host.
 include(CMakePackageConfigHelpers)
 
+# install_text(<file> <component>): with the line ends that the system's editors expect.
+function(install_text file component)
+    set(newlines UNIX)
+    if(WIN32)
+        set(newlines WIN32)
+    endif()
+    configure_file(${file} ${PROJECT_BINARY_DIR}/${file} @ONLY NEWLINE_STYLE ${newlines})
+    install(FILES ${PROJECT_BINARY_DIR}/${file} DESTINATION ${component} COMPONENT ${component})
+endfunction()
+
 install(TARGETS KrHvcP2 LIBRARY DESTINATION plugin COMPONENT plugin)
-install(FILES packaging/setting.ini.sample packaging/INSTALL.txt CHANGELOG.md DESTINATION plugin COMPONENT plugin)
+foreach(text IN ITEMS packaging/setting.ini.sample packaging/INSTALL.txt CHANGELOG.md)
+    install_text(${text} plugin)
+endforeach()
 
 # The demonstration is complete in itself, plug-in included.
 install(TARGETS KrHvcP2 LIBRARY DESTINATION demo COMPONENT demo)
@@ -12,7 +24,7 @@ install(DIRECTORY demo/simulator/scenarios DESTINATION demo COMPONENT demo)
 install(FILES demo/player/README.md DESTINATION demo RENAME stage-player.md COMPONENT demo)
 install(FILES demo/simulator/README.md DESTINATION demo RENAME sensor-simulator.md COMPONENT demo)
 
-if(MINGW)
+if(WIN32)
     # Qt and the compiler's own libraries, so that the demonstration runs on a bare machine.
     get_target_property(qt_core_dll Qt5::Core IMPORTED_LOCATION_RELEASE)
     get_filename_component(qt_bin ${qt_core_dll} DIRECTORY)
@@ -25,12 +37,25 @@ if(MINGW)
     )
     install(FILES ${qt_root}/plugins/imageformats/qsvg.dll DESTINATION demo/imageformats COMPONENT demo)
     install(FILES ${qt_root}/plugins/styles/qwindowsvistastyle.dll DESTINATION demo/styles COMPONENT demo)
-    foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
-        execute_process(
-            COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
-            OUTPUT_VARIABLE library_path OUTPUT_STRIP_TRAILING_WHITESPACE
+    if(MINGW)
+        foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+            execute_process(
+                COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+                OUTPUT_VARIABLE library_path OUTPUT_STRIP_TRAILING_WHITESPACE
+            )
+            install(FILES ${library_path} DESTINATION demo COMPONENT demo)
+        endforeach()
+    else()
+        set(CMAKE_INSTALL_SYSTEM_RUNTIME_DESTINATION demo)
+        set(CMAKE_INSTALL_SYSTEM_RUNTIME_COMPONENT demo)
+        include(InstallRequiredSystemLibraries)
+    endif()
+    install_text(packaging/THIRD-PARTY.txt demo)
+    foreach(license IN ITEMS GPL-3 LGPL-3)
+        # Where a Debian keeps the texts; elsewhere Qt's own setup has put them on the machine.
+        install(FILES /usr/share/common-licenses/${license} DESTINATION demo COMPONENT demo
+                RENAME ${license}.txt OPTIONAL
         )
-        install(FILES ${library_path} DESTINATION demo COMPONENT demo)
     endforeach()
 endif()
 
