@@ -9,16 +9,21 @@
 
 #include <array>
 
+#ifdef Q_OS_LINUX
 #include <sys/inotify.h>
 #include <unistd.h>
+#endif
 
 using PluginKrHvcP2::OfflineTextDocument;
 using PluginKrHvcP2::Private::KrTextItem_Private;
 
+#ifdef Q_OS_LINUX
 /// Notices every opening of a file.
 class FileAccessSpy
 {
 public:
+    static constexpr bool Watches = true;
+
     explicit FileAccessSpy(const QString &fileName)
         : m_queue(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
     {
@@ -48,6 +53,19 @@ private:
     int m_queue;
     int m_watch = -1;
 };
+#else
+/// Nothing tells there who opens a file; the tests are left with what is painted.
+class FileAccessSpy
+{
+public:
+    static constexpr bool Watches = false;
+
+    explicit FileAccessSpy(const QString & /*fileName*/) { }
+
+    bool isValid() const { return true; }
+    bool takeAccess() { return false; }
+};
+#endif
 
 class tst_OfflineTextDocument : public QObject
 {
@@ -130,7 +148,8 @@ void tst_OfflineTextDocument::opensNoFile()
     QTextDocument usual;
     usual.setHtml(html);
     layOutAndPaint(&usual);
-    QVERIFY2(spy.takeAccess(), "the text names no file that a usual document opens");
+    QVERIFY2(!FileAccessSpy::Watches || spy.takeAccess(),
+        "the text names no file that a usual document opens");
 
     OfflineTextDocument document;
     document.setHtml(html);

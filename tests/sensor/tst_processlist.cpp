@@ -230,7 +230,7 @@ void tst_ProcessList::endingLeavesNothingOpen()
     QVERIFY(process != nullptr);
     QVERIFY(!ProcessList::end(idOf(process), programs.name));
     const int before = openHandles();
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         QVERIFY(!ProcessList::end(idOf(process), programs.name));
         QVERIFY(!ProcessList::end(0x7ffffffc, programs.name));
     }

@@ -1,0 +1,106 @@
+#include "ProcessListFixture.h"
+
+#include <QtTest>
+
+#ifdef Q_OS_WIN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#else
+#include <sys/resource.h>
+#endif
+
+using namespace PluginKrHvcP2;
+
+/// While there is one, the system's list of processes cannot be read.
+class UnreadableProcessList
+{
+public:
+    UnreadableProcessList();
+    ~UnreadableProcessList();
+    Q_DISABLE_COPY(UnreadableProcessList)
+
+#ifdef Q_OS_WIN
+    static bool exists;
+#else
+private:
+    rlimit m_limit = {};
+#endif
+};
+
+#ifdef Q_OS_WIN
+bool UnreadableProcessList::exists = false;
+
+/// Stands between the code under test, which is built to call it, and the system.
+extern "C" HANDLE WINAPI snapshotThatMayFail(DWORD flags, DWORD id)
+{
+    if (UnreadableProcessList::exists) {
+        SetLastError(ERROR_BAD_LENGTH);
+        return INVALID_HANDLE_VALUE;
+    }
+    using Snapshot = HANDLE(WINAPI *)(DWORD, DWORD);
+    const FARPROC function
+        = GetProcAddress(GetModuleHandleW(L"kernel32"), "CreateToolhelp32Snapshot");
+    return reinterpret_cast<Snapshot>(reinterpret_cast<void *>(function))(flags, id);
+}
+
+UnreadableProcessList::UnreadableProcessList()
+{
+    exists = true;
+}
+
+UnreadableProcessList::~UnreadableProcessList()
+{
+    exists = false;
+}
+#else
+UnreadableProcessList::UnreadableProcessList()
+{
+    ::getrlimit(RLIMIT_NOFILE, &m_limit);
+    rlimit none = m_limit;
+    none.rlim_cur = 0; // no file can be opened
+    ::setrlimit(RLIMIT_NOFILE, &none);
+}
+
+UnreadableProcessList::~UnreadableProcessList()
+{
+    ::setrlimit(RLIMIT_NOFILE, &m_limit);
+}
+#endif
+
+class tst_ProcessListFailure : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void nothingIsFoundNorEnded();
+};
+
+void tst_ProcessListFailure::nothingIsFoundNorEnded()
+{
+    NamedPrograms programs;
+    QProcess *process = programs.run(programs.copyOfProgram(programs.fileName()));
+    QVERIFY(process != nullptr);
+    const ProcessId id = idOf(process);
+    QCOMPARE(programs.found(), Ids{id});
+
+    Ids found;
+    bool ended = false;
+    {
+        const UnreadableProcessList list;
+        found = programs.found();
+        ended = ProcessList::end(id, programs.name);
+    }
+    QCOMPARE(found, Ids());
+    QVERIFY(!ended); // it could be another program by now
+    QVERIFY(!process->waitForFinished(50));
+
+    QCOMPARE(programs.found(), Ids{id});
+    QVERIFY(ProcessList::end(id, programs.name));
+    QVERIFY(process->waitForFinished());
+}
+
+QTEST_GUILESS_MAIN(tst_ProcessListFailure)
+
+#include "tst_processlistfailure.moc"
