@@ -1,3 +1,4 @@
+#include "ConsoleWindow.h"
 #include "MainWindow.h"
 #include "Options.h"
 #include "StagePlayer.h"
@@ -131,6 +132,7 @@ int play(const Order &order)
             out().flush();
         });
     } else {
+        closeOwnConsoleWindow();
         MainWindow::applyTheme();
         window = std::make_unique<MainWindow>(&player);
         // Below a dialog of the plug-in it is not the last window.
