@@ -6,6 +6,13 @@
 #include <QPluginLoader>
 #include <QTest>
 
+#ifdef Q_OS_WIN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 class tst_Metadata : public QObject
 {
     Q_OBJECT
@@ -20,6 +27,10 @@ private slots:
     void nothingElseInTheBlock();
     void entryPoints_data();
     void entryPoints();
+#ifdef Q_OS_WIN
+    void versionResource_data();
+    void versionResource();
+#endif
 
 private:
     QPluginLoader m_loader{QStringLiteral(KRHVC_PLUGIN_FILE)};
@@ -68,7 +79,7 @@ void tst_Metadata::block_data()
 
     const auto text = [](const char *utf8) { return QJsonValue(QString::fromUtf8(utf8)); };
     QTest::newRow("name") << QStringLiteral("Name") << text("KrHvcP2");
-    QTest::newRow("version") << QStringLiteral("Version") << text("1.0.0");
+    QTest::newRow("version") << QStringLiteral("Version") << text(KRHVC_VERSION);
     QTest::newRow("compatible version") << QStringLiteral("CompatVersion") << text("1.0.0");
     QTest::newRow("vendor is the owner's value") << QStringLiteral("Vendor") << text(KRHVC_VENDOR);
     QTest::newRow("copyright is the owner's value")
@@ -132,6 +143,40 @@ void tst_Metadata::entryPoints()
         = QLibrary::resolve(QStringLiteral(KRHVC_PLUGIN_FILE), symbol.constData());
     QCOMPARE(function != nullptr, exported);
 }
+
+#ifdef Q_OS_WIN
+void tst_Metadata::versionResource_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("expected");
+
+    const auto text = [](const char *utf8) { return QString::fromUtf8(utf8); };
+    QTest::newRow("file version") << text("FileVersion") << text(KRHVC_VERSION);
+    QTest::newRow("product version") << text("ProductVersion") << text(KRHVC_VERSION);
+    QTest::newRow("product") << text("ProductName") << text("KrHvcP2");
+    QTest::newRow("file name") << text("OriginalFilename") << text("KrHvcP2.dll");
+    QTest::newRow("vendor") << text("CompanyName") << text(KRHVC_VENDOR);
+    QTest::newRow("copyright") << text("LegalCopyright") << text(KRHVC_COPYRIGHT);
+}
+
+void tst_Metadata::versionResource()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, expected);
+
+    const std::wstring file = QStringLiteral(KRHVC_PLUGIN_FILE).toStdWString();
+    const DWORD size = GetFileVersionInfoSizeW(file.c_str(), nullptr);
+    QVERIFY(size > 0);
+    QByteArray resource(int(size), '\0');
+    QVERIFY(GetFileVersionInfoW(file.c_str(), 0, size, resource.data()));
+    const std::wstring path
+        = QStringLiteral("\\StringFileInfo\\040904B0\\%1").arg(key).toStdWString();
+    void *value = nullptr;
+    UINT length = 0; // with the terminating character
+    QVERIFY(VerQueryValueW(resource.constData(), path.c_str(), &value, &length));
+    QCOMPARE(QString::fromWCharArray(static_cast<const wchar_t *>(value)), expected);
+}
+#endif
 
 QTEST_GUILESS_MAIN(tst_Metadata)
 #include "tst_metadata.moc"
