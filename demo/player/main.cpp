@@ -1,12 +1,11 @@
-#include "ConsoleWindow.h"
 #include "MainWindow.h"
 #include "Options.h"
+#include "Platform.h"
 #include "StagePlayer.h"
 #include "TerminationNotifier.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 #include <QThread>
@@ -96,12 +95,8 @@ void tellSimulator(const Options &options)
 {
     if (options.replayFile.isEmpty() && options.scenarioFile.isEmpty())
         return;
-    qunsetenv("KRHVC_REPLAY");
-    qunsetenv("KRHVC_SCENARIO");
-    if (!options.replayFile.isEmpty())
-        qputenv("KRHVC_REPLAY", QFile::encodeName(options.replayFile));
-    else
-        qputenv("KRHVC_SCENARIO", QFile::encodeName(options.scenarioFile));
+    setPathVariable("KRHVC_REPLAY", options.replayFile);
+    setPathVariable("KRHVC_SCENARIO", options.scenarioFile);
 }
 
 bool saveScreenshot(StagePlayer &player, MainWindow *window, const QString &fileName)

@@ -9,12 +9,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <memory>
+
 #ifdef Q_OS_UNIX
 #include <csignal>
 #endif
 
 // The player's end where nothing ends it earlier: not every system has signals.
 const QString SecondsAtMost = QStringLiteral("10");
+
+// A directory of any user may have such letters.
+const QString RecordingName = QString::fromUtf8("recording \u65e5\u672c.txt");
 
 /// The product at work: player, plug-in and a simulated sensor, which plays a recording.
 class tst_PlayerDemo : public QObject
@@ -60,7 +65,7 @@ void tst_PlayerDemo::init()
          "event": [{"type": 2, "direction": 1, "seq": []}]},
         {"id": 2, "event": [{"type": 2, "direction": 0, "id": 1, "screenseq": 1},
                             {"type": 2, "direction": 0, "id": 1, "screenseq": 2}]}]})"));
-    QVERIFY(write(QStringLiteral("recording.txt"),
+    QVERIFY(write(RecordingName,
         "Face result count:1\n"
         "Index:0\tX:320 Y:240 Size:120 Confidence:800\n"
         "Face Direction\tLR:5 UD:-3 Roll:1 Confidence:700\n"
@@ -83,9 +88,9 @@ QStringList tst_PlayerDemo::arguments(const QStringList &more) const
 {
     return QStringList{QStringLiteral("--headless"), QStringLiteral("--plugin"),
                QStringLiteral(PLUGIN), QStringLiteral("--stage"),
-               file(QStringLiteral("stage.json")), QStringLiteral("--replay"),
-               file(QStringLiteral("recording.txt")), QStringLiteral("--log-dir"),
-               file(QStringLiteral("logs")), QStringLiteral("--seconds"), SecondsAtMost}
+               file(QStringLiteral("stage.json")), QStringLiteral("--replay"), file(RecordingName),
+               QStringLiteral("--log-dir"), file(QStringLiteral("logs")),
+               QStringLiteral("--seconds"), SecondsAtMost}
     + more;
 }
 
@@ -122,7 +127,7 @@ void tst_PlayerDemo::recordingSwitchesTheStage()
     QByteArray output;
     QVERIFY2(waitForOutput(&process, &output, "  switch  #1  Women 20-39"), output.constData());
     QVERIFY2(waitForOutput(&process, &output, "  switch  #2  Men 20-39"), output.constData());
-    QVERIFY(output.contains("  player  Plug-in KrHvcP2 1.0.0"));
+    QVERIFY(output.contains("  player  Plug-in KrHvcP2 " KRHVC_VERSION));
     QVERIFY(output.contains("  status  102  Started"));
 
     const QDir logs(file(QStringLiteral("logs/KrHvcP2")));
