@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 
+#include <limits>
 #include <memory>
 
 using namespace GuiTest;

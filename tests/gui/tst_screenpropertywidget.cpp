@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QSignalSpy>
 
+#include <array>
 #include <memory>
 
 using namespace GuiTest;

@@ -87,7 +87,8 @@ void tst_PlayerProgram::initTestCase()
 void tst_PlayerProgram::refused_data()
 {
     QTest::addColumn<QByteArray>("stage");
-    QTest::addColumn<QString>("options"); // separated by blanks; %1: the directory
+    QTest::addColumn<QString>(
+        "options"); // separated by blanks; %1: the directory, %2: a plug-in of another kind
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("error"); // after the program's name; %1 likewise
 
@@ -110,7 +111,7 @@ void tst_PlayerProgram::refused_data()
         << good << "--headless --stage %1/stage.json --replay %1/none.txt" << 2
         << "%1/none.txt: no such file";
     QTest::newRow("a plug-in file that is of another kind")
-        << good << "--headless --stage %1/stage.json --plugin " PLAIN_PLUGIN << 1
+        << good << "--headless --stage %1/stage.json --plugin %2" << 1
         << QFileInfo(QStringLiteral(PLAIN_PLUGIN)).absoluteFilePath()
             + QLatin1String(": The file is not a screen plug-in.");
     QTest::newRow("a plug-in file that does not exist")
@@ -126,9 +127,11 @@ void tst_PlayerProgram::refused()
     QFETCH(QString, error);
 
     QVERIFY(!writeStage(stage).isEmpty());
-    options.replace(QLatin1String("%1"), m_directory.path());
     error.replace(QLatin1String("%1"), m_directory.path());
-    const Result result = run(options.split(QLatin1Char(' ')));
+    QStringList arguments = options.split(QLatin1Char(' ')); // before there are paths in it
+    arguments.replaceInStrings(QStringLiteral("%1"), m_directory.path());
+    arguments.replaceInStrings(QStringLiteral("%2"), QStringLiteral(PLAIN_PLUGIN));
+    const Result result = run(arguments);
     QCOMPARE(result.error, QLatin1String("KrStagePlayer: ") + error + QLatin1Char('\n'));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.status, status);

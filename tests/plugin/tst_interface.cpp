@@ -23,6 +23,7 @@ using namespace PluginTest;
 
 namespace {
 
+#ifdef KRHVC_HAS_READABLE_SLOTS
 struct MemberPointer
 {
     std::ptrdiff_t slotOffset; // in bytes, plus 1
@@ -50,6 +51,19 @@ Function functionAt(int slot)
     std::memcpy(&function, &pointer, sizeof pointer);
     return function;
 }
+#else
+template <typename Function>
+int slotOf(Function /*function*/)
+{
+    return -1;
+}
+
+template <typename Function>
+Function functionAt(int /*slot*/)
+{
+    return nullptr;
+}
+#endif
 
 /// Gives one operation of the plug-in's interface, found by its name or by its number.
 class Operation

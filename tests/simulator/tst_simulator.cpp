@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <memory>
+
 using namespace Simulation;
 
 /// Runs the program as a child process, as the plug-in does.
