@@ -12,8 +12,16 @@ get_filename_component(name ${archives} NAME)
 if(name STREQUAL "KrHvcP2-${VERSION}-win64.zip")
     set(plugin KrHvcP2.dll)
     set(system_files
-        demo/KrStagePlayer.exe demo/Qt5Core.dll demo/Qt5Gui.dll demo/Qt5Svg.dll demo/Qt5Widgets.dll
-        demo/platforms/qwindows.dll demo/imageformats/qsvg.dll demo/THIRD-PARTY.txt
+        demo/KrStagePlayer.exe
+        demo/Qt5Core.dll
+        demo/Qt5Gui.dll
+        demo/Qt5Svg.dll
+        demo/Qt5Widgets.dll
+        demo/platforms/qwindows.dll
+        demo/platforms/qoffscreen.dll
+        demo/imageformats/qsvg.dll
+        demo/styles/qwindowsvistastyle.dll
+        demo/THIRD-PARTY.txt
     )
 elseif(name MATCHES "^KrHvcP2-${VERSION}-linux-[a-z0-9_]+\\.tar\\.gz$")
     set(plugin KrHvcP2.so)
@@ -36,7 +44,12 @@ foreach(
           demo/HvcCon.exe
           demo/stages/shop-window.json
           demo/scenarios/everyday.json
+          devel/include/KrHvcP2/host/KrPluginCommonInterface.h
           devel/include/KrHvcP2/host/KrPluginExtScreenInterface.h
+          devel/include/KrHvcP2/host/KrPluginGraphicsItem.h
+          devel/include/KrHvcP2/host/KrPluginGuiInterface.h
+          devel/include/KrHvcP2/host/KrPluginKeys.h
+          devel/include/KrHvcP2/host/KrPluginStage.h
           devel/lib/cmake/KrHvcP2Host/KrHvcP2HostConfig.cmake
     LISTS system_files
 )

@@ -1,4 +1,9 @@
+#include <host/KrPluginCommonInterface.h>
 #include <host/KrPluginExtScreenInterface.h>
+#include <host/KrPluginGraphicsItem.h>
+#include <host/KrPluginGuiInterface.h>
+#include <host/KrPluginKeys.h>
+#include <host/KrPluginStage.h>
 
 #include <QApplication>
 #include <QPluginLoader>
