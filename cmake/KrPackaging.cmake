@@ -14,7 +14,7 @@ endfunction()
 # What a host has to be built with, for INSTALL.txt.
 set(KRHVC_BUILT_WITH "Qt ${Qt5_VERSION} and ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
 if(MINGW)
-    string(PREPEND KRHVC_BUILT_WITH "MinGW-w64: ")
+    string(APPEND KRHVC_BUILT_WITH " (MinGW-w64)")
 endif()
 
 install(TARGETS KrHvcP2 LIBRARY DESTINATION plugin COMPONENT plugin)
