@@ -8,7 +8,7 @@ namespace Simulation {
 
 bool standardInputIsStream()
 {
-    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     if (input == nullptr || input == INVALID_HANDLE_VALUE)
         return false;
     DWORD mode = 0; // the null device is a character device too, but no console
