@@ -54,10 +54,14 @@ tst_PlayerProgram::Result tst_PlayerProgram::run(const QStringList &arguments)
         text(process.readAllStandardError())};
 }
 
-/// Without the carriage returns that lines end with on Windows.
+/// What was printed, with line feeds as line ends.
 QString tst_PlayerProgram::text(const QByteArray &printed)
 {
-    return QString::fromUtf8(printed).remove(QLatin1Char('\r'));
+    QString text = QString::fromUtf8(printed);
+#ifdef Q_OS_WIN
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+#endif
+    return text;
 }
 
 QString tst_PlayerProgram::writeStage(const QByteArray &json)

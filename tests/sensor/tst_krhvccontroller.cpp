@@ -892,7 +892,13 @@ void tst_KrHvcController::deletionWithAProgram()
     QElapsedTimer clock;
     clock.start();
     watched.reset();
-    QVERIFY(clock.elapsed() < 5000); // a wait for its own end would take 30 s
+    // A wait for its own end would take 30 s; to be ended takes longer on some systems.
+#ifdef Q_OS_WIN
+    constexpr int AtOnceMs = 5000;
+#else
+    constexpr int AtOnceMs = 1500;
+#endif
+    QVERIFY(clock.elapsed() < AtOnceMs);
     QVERIFY(directory.livingCopies().isEmpty());
 }
 
