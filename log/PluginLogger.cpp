@@ -1,18 +1,21 @@
 #include "log/PluginLogger.h"
 
+#include "log/LockFile.h"
 #include "log/LogFormat.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QLoggingCategory>
+#include <QScopeGuard>
 #include <QTextStream>
 #include <QTimer>
 
+#include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -22,10 +25,10 @@ namespace {
 
 Q_LOGGING_CATEGORY(krhvcLog, "krhvcp2.log", QtWarningMsg)
 
-constexpr qint64 StaleLockAgeMs = 30000;
 constexpr int WaitTurnMs = 20;
-constexpr std::size_t MaxPendingRecords = 1000;
-constexpr qint64 MaxPendingBytes = 1 << 20;
+// Enough for 35 faces at 40 frames a second over the longest wait.
+constexpr std::size_t MaxQueuedRecords = 4000;
+constexpr qint64 MaxQueuedBytes = 8 * 1024 * 1024;
 
 qint64 byteSize(const QString &text)
 {
@@ -39,27 +42,31 @@ bool isFileOrAbsent(const QString &path)
     return !info.exists() || info.isFile();
 }
 
-/// The lock file is truncated when it is taken; a link could make us empty somebody's file.
-bool mayTruncate(const QString &path)
+/// Lets the calling thread's events run for one turn. False when the loop was ended from outside:
+/// the application is ending, and new loops would return at once.
+bool runEventsForOneTurn()
 {
-    return !QFileInfo(path).isSymLink() && isFileOrAbsent(path);
+    QEventLoop loop;
+    QTimer turn;
+    turn.setSingleShot(true);
+    QObject::connect(&turn, SIGNAL(timeout()), &loop, SLOT(quit()));
+    turn.start(WaitTurnMs);
+    loop.exec();
+    return !turn.isActive();
 }
 
-/// Lets the calling thread's events run for one turn.
-void waitOneTurn()
+/// Among the process's last static destructors Qt's calendar has gone already: a record would have
+/// no time, and its file no date.
+bool canTellTime()
 {
-    QElapsedTimer turn;
-    turn.start();
-    // Without an application timers do not run, and the loop would never come back.
-    if (QCoreApplication::instance() != nullptr && !QCoreApplication::closingDown()) {
-        QEventLoop loop;
-        QTimer::singleShot(WaitTurnMs, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    // Once quit() has been called, new loops return at once: do not spin.
-    const qint64 rest = WaitTurnMs - turn.elapsed();
-    if (rest > 0)
-        QThread::msleep(static_cast<unsigned long>(rest));
+    return QCoreApplication::instance() != nullptr
+        || !QLocale::c().toString(QDate(2000, 1, 1), QLocale::ShortFormat).isEmpty();
+}
+
+/// Without an application timers do not run, and an event loop would never come back.
+bool canRunEvents()
+{
+    return QCoreApplication::instance() != nullptr && !QCoreApplication::closingDown();
 }
 
 } // namespace
@@ -102,24 +109,35 @@ void PluginLogger::setSettings(const LogSettings &settings)
 
 bool PluginLogger::write(const QString &message, int level, int timeoutMs)
 {
-    const LogSettings current = settings();
-    if (level > current.maxLevel)
+    if (isFiltered(level))
         return true;
 
+    Record record{message, level, timeoutMs, {}, nullptr};
     if (m_mutex.isHeldByCurrentThread()) {
-        keepForLater(message, level);
+        // The write that waits below us takes it along; but it cannot look at the lock file as long
+        // as its loop runs, say, a dialog of the host.
+        record.age.start();
+        enqueue(std::move(record));
+        QString awaitedLock;
+        tryToWrite(awaitedLock);
         return true;
     }
 
-    // One deadline for both waits, so that a caller behind a waiting thread is not held twice.
-    const QDeadlineTimer deadline(qMax(0, timeoutMs));
-    if (!m_mutex.tryLock(static_cast<int>(deadline.remainingTime())))
+    const std::unique_lock<OwnedMutex> lock(m_mutex);
+    return writeLocked(std::move(record), Waiting::RunsEvents);
+}
+
+bool PluginLogger::writeWithoutEvents(const QString &message, int level, int timeoutMs)
+{
+    if (m_mutex.isHeldByCurrentThread())
+        return write(message, level, timeoutMs); // does not wait
+    if (isFiltered(level))
+        return true;
+
+    if (!m_mutex.tryLock(std::max(0, timeoutMs)))
         return false;
     const std::unique_lock<OwnedMutex> lock(m_mutex, std::adopt_lock);
-
-    const bool written = writeLocked(current, {message, level}, deadline);
-    dropPending();
-    return written;
+    return writeLocked({message, level, timeoutMs, {}, nullptr}, Waiting::RunsNoEvents);
 }
 
 bool PluginLogger::writeError(const QString &message)
@@ -132,61 +150,125 @@ bool PluginLogger::writeCritical(const QString &message)
     return write(message, Critical, DefaultTimeoutMs);
 }
 
-void PluginLogger::keepForLater(const QString &message, int level)
+bool PluginLogger::isFiltered(int level) const
 {
-    m_pending.push_back({message, level});
-    m_pendingBytes += byteSize(message);
-    while (m_pending.size() > MaxPendingRecords
-        || (m_pendingBytes > MaxPendingBytes && m_pending.size() > 1)) {
-        m_pendingBytes -= byteSize(m_pending.front().message);
-        m_pending.pop_front();
-        ++m_droppedRecords;
+    const QMutexLocker locker(&m_settingsMutex);
+    return level > m_settings.maxLevel;
+}
+
+/// Writes @p record and whatever else is queued, waiting for the lock file when it has to.
+bool PluginLogger::writeLocked(Record record, Waiting waiting)
+{
+    std::optional<bool> outcome; // also set by calls that arrive in the wait
+    record.outcome = &outcome;
+    const int timeoutMs = record.timeoutMs;
+    enqueue(std::move(record));
+    const auto withdrawn = qScopeGuard([&] {
+        withdraw(&outcome);
+        reportLostRecords();
+    });
+
+    QString awaitedLock;
+    QElapsedTimer stopwatch;
+    while (!outcome && tryToWrite(awaitedLock) == Attempt::Locked) {
+        if (!stopwatch.isValid())
+            stopwatch.start();
+        if (stopwatch.elapsed() > timeoutMs)
+            break;
+        if (waiting == Waiting::RunsNoEvents || !canRunEvents())
+            QThread::msleep(WaitTurnMs);
+        else if (!runEventsForOneTurn())
+            break;
+    }
+    return outcome.value_or(false);
+}
+
+void PluginLogger::enqueue(Record record)
+{
+    m_queuedBytes += byteSize(record.message);
+    m_queue.push_back(std::move(record));
+    while (m_queue.size() > MaxQueuedRecords
+        || (m_queuedBytes > MaxQueuedBytes && m_queue.size() > 1)) {
+        // The oldest goes, but never one that somebody is waiting for.
+        const auto oldest
+            = m_queue.front().outcome == nullptr ? m_queue.begin() : std::next(m_queue.begin());
+        takeRecord(oldest);
+        ++m_lostRecords;
     }
 }
 
-void PluginLogger::dropPending()
+/// Takes back the record whose caller gives up; the others stay for as long as they may.
+void PluginLogger::withdraw(const std::optional<bool> *outcome)
 {
-    m_droppedRecords += m_pending.size();
-    m_pending.clear();
-    m_pendingBytes = 0;
-    if (m_droppedRecords > 0)
-        qCDebug(krhvcLog, "%llu log records were lost", m_droppedRecords);
-    m_droppedRecords = 0;
+    const auto own = std::find_if(m_queue.begin(), m_queue.end(),
+        [=](const Record &record) { return record.outcome == outcome; });
+    if (own != m_queue.end())
+        takeRecord(own);
 }
 
-bool PluginLogger::writeLocked(
-    const LogSettings &settings, const PendingRecord &first, const QDeadlineTimer &deadline)
+PluginLogger::Record PluginLogger::takeRecord(std::deque<Record>::iterator position)
 {
-    QDir directory(settings.directory);
+    Record record = std::move(*position);
+    m_queue.erase(position);
+    m_queuedBytes -= byteSize(record.message);
+    return record;
+}
+
+/// Writes the queue when the lock file can be had at once. @p awaitedLock is the lock that the
+/// caller waits for; its age was judged when that began.
+PluginLogger::Attempt PluginLogger::tryToWrite(QString &awaitedLock)
+{
+    if (!canTellTime())
+        return Attempt::Failed;
+
+    // Settings that change in a wait hold for all that is written after it.
+    const LogSettings current = settings();
+    QDir directory(current.directory);
     if (!directory.exists()) {
         if (!directory.mkpath(directory.absolutePath()))
-            return false;
+            return Attempt::Failed;
         directory.refresh();
     }
 
-    const QString lockPath = directory.absoluteFilePath(LogFormat::lockFileName(settings.baseName));
-    if (!takeLockFile(lockPath, deadline))
-        return false;
-
-    cleanUpDaily(settings);
-    const bool written = appendRecord(settings, directory, first);
-    if (written) {
-        // Nothing from here on runs an event loop, so the queue does not grow under our hands.
-        std::deque<PendingRecord> pending;
-        pending.swap(m_pending);
-        m_pendingBytes = 0;
-        for (const PendingRecord &record : pending) {
-            if (!appendRecord(settings, directory, record))
-                ++m_droppedRecords;
-        }
+    const QString lockPath = directory.absoluteFilePath(LogFormat::lockFileName(current.baseName));
+    switch (LockFile::look(lockPath, m_clock)) {
+    case LockFile::State::Absent:
+        break;
+    case LockFile::State::Young:
+        awaitedLock = lockPath;
+        return Attempt::Locked;
+    case LockFile::State::Stale:
+        if (lockPath == awaitedLock)
+            return Attempt::Locked;
+        break;
+    case LockFile::State::Unusable:
+        return Attempt::Failed;
     }
+    if (!LockFile::take(lockPath))
+        return Attempt::Failed;
 
+    cleanUpDaily(current);
+    writeQueue(current, directory);
     QFile::remove(lockPath);
-    return written;
+    return Attempt::Written;
+}
+
+/// Nothing here runs an event loop, so the queue does not grow meanwhile.
+void PluginLogger::writeQueue(const LogSettings &settings, const QDir &directory)
+{
+    while (!m_queue.empty()) {
+        const Record record = takeRecord(m_queue.begin());
+        const bool isWanted = record.outcome != nullptr || !record.isExpired();
+        const bool written = isWanted && appendRecord(settings, directory, record);
+        if (record.outcome != nullptr)
+            *record.outcome = written;
+        else if (!written)
+            ++m_lostRecords;
+    }
 }
 
 bool PluginLogger::appendRecord(
-    const LogSettings &settings, const QDir &directory, const PendingRecord &record) const
+    const LogSettings &settings, const QDir &directory, const Record &record) const
 {
     const QDateTime now = m_clock();
     const QString path = directory.absoluteFilePath(
@@ -208,30 +290,10 @@ bool PluginLogger::appendRecord(
     return written && file.error() == QFileDevice::NoError;
 }
 
-bool PluginLogger::takeLockFile(const QString &path, const QDeadlineTimer &deadline) const
-{
-    if (!mayTruncate(path))
-        return false;
-
-    const QFileInfo info(path);
-    if (info.exists() && info.lastModified().msecsTo(m_clock()) <= StaleLockAgeMs) {
-        while (QFileInfo::exists(path)) {
-            if (deadline.hasExpired())
-                return false;
-            waitOneTurn();
-        }
-        if (!mayTruncate(path))
-            return false;
-    }
-
-    QFile lockFile(path);
-    return lockFile.open(QIODevice::WriteOnly);
-}
-
 void PluginLogger::cleanUpDaily(const LogSettings &settings)
 {
     QDir directory(settings.directory);
-    if (settings.directory.isEmpty() || !directory.exists())
+    if (settings.directory.isEmpty() || !directory.exists() || QCoreApplication::closingDown())
         return;
 
     const QDateTime now = m_clock();
@@ -246,6 +308,13 @@ void PluginLogger::cleanUpDaily(const LogSettings &settings)
     const QStringList expired = LogFormat::expiredFiles(fileNames, settings.extension, oldestKept);
     for (const QString &fileName : expired)
         directory.remove(fileName); // one that cannot be deleted is tried again tomorrow
+}
+
+void PluginLogger::reportLostRecords()
+{
+    if (m_lostRecords > 0)
+        qCDebug(krhvcLog, "%llu log records were lost", m_lostRecords);
+    m_lostRecords = 0;
 }
 
 } // namespace PluginKrHvcP2

@@ -4,13 +4,14 @@
 #include "log/OwnedMutex.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QMap>
 #include <QString>
 
 #include <deque>
 #include <functional>
+#include <optional>
 
-class QDeadlineTimer;
 class QDir;
 
 namespace PluginKrHvcP2 {
@@ -33,9 +34,9 @@ struct LogSettings
 /// The process-wide log writer: one file a day, shared with other processes by a lock file.
 ///
 /// Any thread may write. While a write waits for the lock file it spins the event loop of its
-/// thread; a write that arrives on that thread meanwhile is kept and written by the waiting one,
-/// behind its own record, or lost with it. A record's time is that of its writing, so that the
-/// times in a file never go back.
+/// thread; a write that arrives on that thread meanwhile joins the queue of the waiting one and
+/// returns. Whoever gets the lock file first writes the whole queue, in the order of the calls. A
+/// record's time and form are those of its writing, so that the times in a file never go back.
 class PluginLogger
 {
 public:
@@ -49,9 +50,14 @@ public:
     void setSettings(const LogSettings &settings); ///< takes effect with the next write
 
     /// Writes @p message at the LogDivision @p level, waiting at most @p timeoutMs milliseconds
-    /// for other writers. True when it was written, filtered out by its level or kept for the
-    /// write that is waiting on this thread; false when nothing was written.
+    /// for the lock file. True when it was written, filtered out by its level or left to the
+    /// write that is waiting on this thread; false when nothing was written, also when the
+    /// application ends in the wait.
     bool write(const QString &message, int level, int timeoutMs);
+
+    /// As write(), for destructors: it runs no events, and @p timeoutMs bounds the whole call.
+    bool writeWithoutEvents(const QString &message, int level, int timeoutMs);
+
     bool writeError(const QString &message); ///< write() at level Error
     bool writeCritical(const QString &message); ///< write() at level Critical
 
@@ -61,20 +67,32 @@ public:
 private:
     Q_DISABLE_COPY(PluginLogger)
 
-    struct PendingRecord
+    enum class Waiting { RunsEvents, RunsNoEvents };
+    enum class Attempt { Written, Locked, Failed };
+
+    struct Record
     {
         QString message;
         int level = 0;
+        int timeoutMs = 0; // how long after its call it is still worth writing
+        QElapsedTimer age; // since its call
+        std::optional<bool> *outcome = nullptr; // of the call that waits for it; null: none does
+
+        bool isExpired() const { return age.elapsed() > timeoutMs; }
     };
 
-    void keepForLater(const QString &message, int level);
-    void dropPending();
-    bool writeLocked(
-        const LogSettings &settings, const PendingRecord &first, const QDeadlineTimer &deadline);
+    bool isFiltered(int level) const;
+    bool writeLocked(Record record, Waiting waiting);
+    void enqueue(Record record);
+    void withdraw(const std::optional<bool> *outcome);
+    Record takeRecord(std::deque<Record>::iterator position);
+    Attempt tryToWrite(QString &awaitedLock);
+    void writeQueue(const LogSettings &settings, const QDir &directory);
     bool appendRecord(
-        const LogSettings &settings, const QDir &directory, const PendingRecord &record) const;
-    bool takeLockFile(const QString &path, const QDeadlineTimer &deadline) const;
+        const LogSettings &settings, const QDir &directory, const Record &record) const;
+    bool isFree(const QString &lockPath, QString &awaitedLock) const;
     void cleanUpDaily(const LogSettings &settings);
+    void reportLostRecords();
 
     const Clock m_clock;
 
@@ -83,9 +101,9 @@ private:
 
     OwnedMutex m_mutex; // held for a whole write; guards everything below
     QDateTime m_lastCleanup;
-    std::deque<PendingRecord> m_pending; // arrived on the thread that waits inside write()
-    qint64 m_pendingBytes = 0;
-    quint64 m_droppedRecords = 0;
+    std::deque<Record> m_queue; // in the order of the calls
+    qint64 m_queuedBytes = 0;
+    quint64 m_lostRecords = 0; // whose calls returned true; since the last report
 };
 
 } // namespace PluginKrHvcP2
