@@ -218,6 +218,7 @@ bool KrHvcP2::canPause() const
 
 bool KrHvcP2::init()
 {
+    forgetFrames(); // their numbers are those of the old contents
     m_status = Initializing;
     graphicsItem();
     if (panel() != nullptr) {
@@ -259,6 +260,7 @@ bool KrHvcP2::start()
 
 bool KrHvcP2::stop()
 {
+    forgetFrames();
     if (m_controller == nullptr)
         return true;
     m_status = Stopping;
@@ -304,7 +306,7 @@ void KrHvcP2::requestSequenceIndex(int index)
     }
 
     const int limit = m_settings.eventSendingLimit;
-    if (!m_restriction.admit(content.identifiers, QDateTime::currentDateTime(), limit)) {
+    if (!m_restriction.admit(content.identifiers, QDateTime::currentDateTimeUtc(), limit)) {
         if (KrMovingTextItem *item = panel()) {
             item->addHtml(
                 tr("<span style=\"color:yellow\">#%1 is not sent now (within restricted).</span>")
@@ -420,9 +422,13 @@ void KrHvcP2::onDataReceived(const QString &data)
     m_reportDocument->setHtml(frame.html);
     const QString report = m_reportDocument->toPlainText();
 
+    if (frame.hasRows)
+        ++m_newestFrame;
+    const quint64 number = m_newestFrame;
     const QPointer<KrHvcP2> self(this);
     writeLog(report, frame.errorSeen ? Error : (frame.noFace ? Notice : Information));
-    if (!self)
+    // A newer frame that was handled in the wait has decided already.
+    if (!self || number != m_newestFrame)
         return;
     sendStartedEvents(
         determineSequences(frame.faces, frame.sizes, frame.directionValues, m_contents));
@@ -505,6 +511,13 @@ void KrHvcP2::onStopped()
 KrMovingTextItem *KrHvcP2::panel() const
 {
     return dynamic_cast<KrMovingTextItem *>(m_graphicsItem);
+}
+
+/// Nothing that was seen until now starts a sequence any more.
+void KrHvcP2::forgetFrames()
+{
+    ++m_newestFrame;
+    m_deferredEvents.reset();
 }
 
 void KrHvcP2::showLine(const QString &text) const

@@ -133,6 +133,7 @@ private:
     void deleteGraphicsItem();
     void deletePropertyWidget();
     void requestDeferredEvents();
+    void forgetFrames();
 
     int m_status = Constructed;
     KrHvcController *m_controller = nullptr; // child of this
@@ -143,6 +144,7 @@ private:
     SendRestriction m_restriction;
     // Shared with the calls that hold it, so that it can be unlocked after this object has gone.
     std::shared_ptr<OwnedMutex> m_sendMutex;
+    quint64 m_newestFrame = 0; // counts the frames that came, and what made them obsolete
     // Newest results that came while this thread was inside sendStartedEvents().
     std::optional<QList<CalculatedData>> m_deferredEvents;
 

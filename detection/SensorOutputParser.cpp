@@ -84,6 +84,7 @@ void SensorOutputParser::parseLine(const QStringRef &line)
     }
 
     const QStringRef trimmed = line.trimmed();
+    m_frame.hasRows = true;
     m_frame.html += QLatin1String("<tr>");
     bool closesFace = false;
     if (trimmed.contains(QLatin1String("Failed "), Qt::CaseInsensitive)) {

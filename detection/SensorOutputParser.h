@@ -16,6 +16,7 @@ struct SensorFrame
     QVector<int> sizes; ///< of the faces, in the same order
     QVector<int> directionValues; ///< of the faces, in the same order
     QString html; ///< a table with a row for each line; the program's text goes in unescaped
+    bool hasRows = false; ///< there was a line that is not just an end prompt
     bool errorSeen = false; ///< the program reported a failure
     bool noFace = false; ///< the program counted no face
 };

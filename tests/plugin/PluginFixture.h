@@ -366,6 +366,15 @@ public:
     QString logDirectory() const { return m_logDirectory.filePath(QStringLiteral("KrHvcP2")); }
     QString log() const { return readLog(logDirectory()); }
 
+    /// Takes the log's lock file, as another process would. Returns its name.
+    QString takeLogLock() const
+    {
+        const QString lock = logDirectory() + QStringLiteral("/KrHvcP2Log.lock");
+        if (!QDir().mkpath(logDirectory()) || !writeFile(lock, {}))
+            qFatal("the log cannot be locked");
+        return lock;
+    }
+
     /// Prepares screen and stage and initializes the plug-in. Every content is followed by a screen
     /// of its own, so that none restricts another one.
     void init(const QVector<Content> &contents, const QVariantMap &params = {})

@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <ctime>
 #include <functional>
 #include <limits>
 
@@ -81,6 +82,32 @@ QList<int> indexes(const QSignalSpy &spy)
         result.append(arguments.constFirst().toInt());
     return result;
 }
+
+/// Lets this process live in another time zone.
+class TimeZone
+{
+public:
+    explicit TimeZone(const QByteArray &name)
+        : m_previous(qgetenv("TZ"))
+    {
+        set(name);
+    }
+    ~TimeZone() { set(m_previous); }
+    Q_DISABLE_COPY(TimeZone)
+
+private:
+    static void set(const QByteArray &name)
+    {
+        qputenv("TZ", name);
+#ifdef Q_OS_WIN
+        _tzset();
+#else
+        tzset();
+#endif
+    }
+
+    const QByteArray m_previous;
+};
 
 /// A viewer that contents of FourContents fit.
 struct Viewer
@@ -191,12 +218,19 @@ private slots:
     void initKeepsTheSettings();
     void contentsTakeEffectWithInit();
     void newestResultsRunAfterTheHostReturns();
+    void putOffResultsAreForgotten_data();
+    void putOffResultsAreForgotten();
     void requestByHandInsideTheHost();
     void hostDeletesThePlugin();
     void hostDeletesThePanel();
     void hostInitializesAnew();
     void releasedPanelGetsNothingMore();
+    void restrictionInAnotherTimeZone_data();
+    void restrictionInAnotherTimeZone();
+    void chunkWhileTheLogWaits_data();
     void chunkWhileTheLogWaits();
+    void stopWhileTheLogWaits_data();
+    void stopWhileTheLogWaits();
     void pluginDeletedWhileTheLogWaits();
     void panelDeletedWhileTheLogWaits();
 };
@@ -722,6 +756,30 @@ void tst_Requests::newestResultsRunAfterTheHostReturns()
     QCOMPARE(host.requests, QList<int>({2, 1, 0}));
 }
 
+void tst_Requests::putOffResultsAreForgotten_data()
+{
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("by stop()") << true;
+    QTest::newRow("by init(), which may bring other contents") << false;
+}
+
+void tst_Requests::putOffResultsAreForgotten()
+{
+    QFETCH(bool, stops);
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, 0));
+    const Host host(plugin, [&](int seqIndex) {
+        if (seqIndex == 2)
+            QVERIFY(plugin.receive(lines(QStringLiteral("m")))); // put off
+    });
+    QVERIFY(plugin.receive(lines(QStringLiteral("o"))));
+    QVERIFY(stops ? plugin->stop() : plugin->init());
+    QTest::qWait(50);
+    QCOMPARE(host.requests, QList<int>({2}));
+    QVERIFY(plugin.receive(lines(QStringLiteral("w"))));
+    QCOMPARE(host.requests, QList<int>({2, 0}));
+}
+
 void tst_Requests::requestByHandInsideTheHost()
 {
     LoadedPlugin plugin;
@@ -808,30 +866,99 @@ void tst_Requests::releasedPanelGetsNothingMore()
     QCOMPARE(newPanel.noticeTexts(), QStringList());
 }
 
+void tst_Requests::restrictionInAnotherTimeZone_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::newRow("later by the clock on the wall") << QByteArray("KRA-14");
+    QTest::newRow("earlier by the clock on the wall") << QByteArray("KRB+12");
+}
+
+void tst_Requests::restrictionInAnotherTimeZone()
+{
+    QFETCH(QByteArray, zone);
+    constexpr int LimitMs = 2000;
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, LimitMs));
+    const Host host(plugin, [](int) {});
+    QElapsedTimer sinceFirst;
+    sinceFirst.start();
+    plugin->requestSequenceNumber(1);
+
+    const TimeZone moved(zone);
+    plugin->requestSequenceNumber(1);
+    if (sinceFirst.elapsed() < LimitMs)
+        QCOMPARE(host.requests, QList<int>({0}));
+    QTest::qWait(LimitMs);
+    plugin->requestSequenceNumber(1);
+    QCOMPARE(host.requests, QList<int>({0, 0}));
+}
+
+void tst_Requests::chunkWhileTheLogWaits_data()
+{
+    QTest::addColumn<QString>("chunk");
+    QTest::addColumn<QString>("report");
+    QTest::addColumn<QList<int>>("requests");
+    QTest::addColumn<QString>("determined");
+
+    const QString nobody = QStringLiteral("Face result count:0");
+    QTest::newRow("a newer viewer")
+        << lines(QStringLiteral("m")) << reportRecord(rows(QStringLiteral("m"))) << QList<int>({1})
+        << determinedRecord(QStringLiteral(" #2"));
+    QTest::newRow("nobody any more")
+        << nobody << record(QStringLiteral("Notice"), nobody) << QList<int>() << QString();
+    QTest::newRow("the rest of the frame that waits")
+        << QStringLiteral("Press Space Key to end:\n")
+        << record(QStringLiteral("Information"), QString()) << QList<int>({0})
+        << determinedRecord(QStringLiteral(" #1"));
+}
+
 void tst_Requests::chunkWhileTheLogWaits()
 {
+    QFETCH(QString, chunk);
+    QFETCH(QString, report);
+    QFETCH(QList<int>, requests);
+    QFETCH(QString, determined);
     LoadedPlugin plugin;
     plugin.init(FourContents, settings(1, 0));
     const Host host(plugin, [](int) {});
-    QVERIFY(QDir().mkpath(plugin.logDirectory()));
-    const QString lock = plugin.logDirectory() + QStringLiteral("/KrHvcP2Log.lock");
-    QVERIFY(writeFile(lock, {}));
+    const QString lock = plugin.takeLogLock();
 
     int depth = 0;
     QTimer::singleShot(100, plugin.object(), [&] {
         ++depth;
-        QVERIFY(plugin.receive(lines(QStringLiteral("m"))));
-        QCOMPARE(host.requests, QList<int>({1})); // handled at once
+        QVERIFY(plugin.receive(chunk)); // handled at once
         QCOMPARE(plugin.log(), QString()); // all but its records
         QVERIFY(QFile::remove(lock));
     });
     QVERIFY(plugin.receive(lines(QStringLiteral("w"))));
     QCOMPARE(depth, 1);
-    QCOMPARE(host.requests, QList<int>({1, 0}));
-    QCOMPARE(plugin.log(),
-        QString(reportRecord(rows(QStringLiteral("w"))) + reportRecord(rows(QStringLiteral("m")))
-            + determinedRecord(QStringLiteral(" #2")) + determinedRecord(QStringLiteral(" #1"))));
+    // The older viewer is not sent behind the newer one.
+    QCOMPARE(host.requests, requests);
+    QCOMPARE(plugin.log(), QString(reportRecord(rows(QStringLiteral("w"))) + report + determined));
     QVERIFY(!QFileInfo::exists(lock));
+}
+
+void tst_Requests::stopWhileTheLogWaits_data()
+{
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("stop()") << true;
+    QTest::newRow("init(), which may bring other contents") << false;
+}
+
+void tst_Requests::stopWhileTheLogWaits()
+{
+    QFETCH(bool, stops);
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, 0));
+    const Host host(plugin, [](int) {});
+    const QString lock = plugin.takeLogLock();
+    QTimer::singleShot(50, plugin.object(), [&] {
+        QVERIFY(stops ? plugin->stop() : plugin->init());
+        QVERIFY(QFile::remove(lock));
+    });
+    QVERIFY(plugin.receive(lines(QStringLiteral("w"))));
+    QCOMPARE(host.requests, QList<int>());
+    QCOMPARE(plugin.log(), reportRecord(rows(QStringLiteral("w"))));
 }
 
 void tst_Requests::pluginDeletedWhileTheLogWaits()
@@ -839,9 +966,7 @@ void tst_Requests::pluginDeletedWhileTheLogWaits()
     LoadedPlugin plugin;
     plugin.init(FourContents, settings(1, 0));
     const Host host(plugin, [](int) {});
-    QVERIFY(QDir().mkpath(plugin.logDirectory()));
-    const QString lock = plugin.logDirectory() + QStringLiteral("/KrHvcP2Log.lock");
-    QVERIFY(writeFile(lock, {}));
+    const QString lock = plugin.takeLogLock();
 
     QTimer::singleShot(100, &host, [&] {
         plugin.destroy();
@@ -859,9 +984,7 @@ void tst_Requests::panelDeletedWhileTheLogWaits()
     LoadedPlugin plugin;
     plugin.init(FourContents, settings(1, 0));
     const Host host(plugin, [](int) {});
-    QVERIFY(QDir().mkpath(plugin.logDirectory()));
-    const QString lock = plugin.logDirectory() + QStringLiteral("/KrHvcP2Log.lock");
-    QVERIFY(writeFile(lock, {}));
+    const QString lock = plugin.takeLogLock();
 
     QTimer::singleShot(100, &host, [&] {
         delete plugin->graphicsItem();
