@@ -31,11 +31,7 @@ namespace {
 constexpr int StatusDirection = Upwards;
 constexpr int NoticeDirection = Rightwards;
 constexpr int IconHeight = 24;
-
-void writeLog(const QString &message, LogDivision level)
-{
-    PluginLogger::instance().write(message, level, PluginLogger::DefaultTimeoutMs);
-}
+constexpr int LastRecordTimeoutMs = 1000;
 
 QVariantMap subMap(const QVariant &map, const QString &key)
 {
@@ -61,7 +57,10 @@ KrHvcP2::KrHvcP2()
 
 KrHvcP2::~KrHvcP2()
 {
+    m_isBeingDestroyed = true;
     if (m_controller != nullptr) {
+        // What arrives while the stop key is written must not reach the host any more.
+        disconnect(m_controller, SIGNAL(dataReceived(QString)), this, nullptr);
         m_controller->stop();
         delete m_controller;
         m_controller = nullptr;
@@ -518,6 +517,16 @@ void KrHvcP2::forgetFrames()
 {
     ++m_newestFrame;
     m_deferredEvents.reset();
+}
+
+void KrHvcP2::writeLog(const QString &message, LogDivision level) const
+{
+    PluginLogger &logger = PluginLogger::instance();
+    // Below the destructor an event could make the host delete this once more.
+    if (m_isBeingDestroyed)
+        logger.writeWithoutEvents(message, level, LastRecordTimeoutMs);
+    else
+        logger.write(message, level, PluginLogger::DefaultTimeoutMs);
 }
 
 void KrHvcP2::showLine(const QString &text) const

@@ -134,7 +134,9 @@ private:
     void deletePropertyWidget();
     void requestDeferredEvents();
     void forgetFrames();
+    void writeLog(const QString &message, LogDivision level) const;
 
+    bool m_isBeingDestroyed = false;
     int m_status = Constructed;
     KrHvcController *m_controller = nullptr; // child of this
     ScreenSettings m_settings;

@@ -6,6 +6,7 @@
 #include <QGraphicsScene>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include <functional>
 
@@ -112,6 +113,8 @@ private slots:
     void stopKeyIsASpace();
     void deletionEndsTheProgram();
     void deletionRightAfterTheStart();
+    void deletionWhileTheLogIsLocked();
+    void outputThatArrivesInTheDeletion();
     void outputReachesTheLog();
     void visibility_data();
     void visibility();
@@ -593,6 +596,47 @@ void tst_Lifecycle::deletionRightAfterTheStart()
     plugin.destroy();
     QCOMPARE(sensorProcessCount(), 0);
     QVERIFY(plugin.log().endsWith(ProcessStopped));
+}
+
+void tst_Lifecycle::deletionWhileTheLogIsLocked()
+{
+    LoadedPlugin plugin;
+    QVERIFY(installStandIn(plugin));
+    plugin->init();
+    plugin->start();
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    const QString lock = plugin.takeLogLock();
+    int events = 0;
+    QTimer::singleShot(0, this, [&] { ++events; }); // say, the host deletes it once more
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    plugin.destroy();
+    QVERIFY(stopwatch.elapsed() < 8000); // the log's own patience would be 10 s
+    QCOMPARE(events, 0);
+    QCOMPARE(sensorProcessCount(), 0);
+    QCOMPARE(plugin.log(), ProcessStarted);
+    QVERIFY(QFile::exists(lock));
+}
+
+void tst_Lifecycle::outputThatArrivesInTheDeletion()
+{
+    LoadedPlugin plugin;
+    const QString face = faceLines(0, 100, 25, QStringLiteral("Female"));
+    QVERIFY(writeFile(plugin.path(QStringLiteral("output")), face.toUtf8()));
+    QVERIFY(PluginTest::installStandIn(
+        plugin.path(QString()), "wait go\ncopy output\ntouch done\nforever"));
+    plugin.init({{20, 30, QStringLiteral("female"), false}});
+    const QSignalSpy requests(plugin.object(), SIGNAL(contentStarted(int)));
+    QVERIFY(requests.isValid());
+    plugin->start();
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QVERIFY(writeFile(plugin.path(QStringLiteral("go")), {}));
+    const QString done = plugin.path(QStringLiteral("done"));
+    QVERIFY(waitWithoutEvents([&] { return QFile::exists(done); }));
+
+    plugin.destroy();
+    QCOMPARE(requests.size(), 0);
+    QCOMPARE(plugin.log(), QString(ProcessStarted + ProcessStopped));
 }
 
 void tst_Lifecycle::outputReachesTheLog()
