@@ -1,14 +1,78 @@
 #include "core/SensorIni.h"
 
+#include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
+#include <QRegularExpression>
 #include <QSettings>
 
 namespace PluginKrHvcP2 {
 
-SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults)
+namespace {
+
+Q_LOGGING_CATEGORY(krhvcCore, "krhvcp2.core", QtWarningMsg)
+
+constexpr int LargestIni = 64 * 1024; // bytes
+
+/// What QSettings makes of the values in @p ini before it looks for stored objects in them: escapes
+/// replaced; quotes, joints of lines and byte order marks gone.
+QString unescaped(const QByteArray &ini)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(
+            "\\\\x([0-9A-Fa-f]+)|\\\\([0-7]+)|\\\\(?:\r\n|\n\r|.)|\"[ \t]*|\xEF\xBB\xBF"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const QString text = QString::fromLatin1(ini);
+    QString result;
+    int end = 0;
+    QRegularExpressionMatchIterator matches = pattern.globalMatch(text);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        result.append(text.midRef(end, match.capturedStart() - end));
+        // Of a longer number the last 16 bits count.
+        if (match.capturedLength(1) > 0)
+            result.append(QChar(match.captured(1).right(4).toUShort(nullptr, 16)));
+        else if (match.capturedLength(2) > 0)
+            result.append(QChar(match.captured(2).right(6).toUInt(nullptr, 8) & 0xffff));
+        end = match.capturedEnd();
+    }
+    return result + text.midRef(end);
+}
+
+/// QSettings decodes stored objects of any type, with all sorts of sizes: a few bytes ask for more
+/// memory than there is or nest lists deeper than the stack.
+bool holdsStoredObject(const QByteArray &ini)
+{
+    const QString text = unescaped(ini);
+    return text.contains(QLatin1String("@Variant(")) || text.contains(QLatin1String("@DateTime("));
+}
+
+bool isReadable(const QString &fileName)
 {
     // isFile(): reading a FIFO of that name would block the host for ever.
-    if (!QFileInfo(fileName).isFile())
+    QFile file(fileName);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+
+    const QByteArray ini = file.read(LargestIni + 1);
+    if (ini.size() > LargestIni) {
+        qCDebug(krhvcCore, "%ls counts as missing: it is larger than %d bytes",
+            qUtf16Printable(fileName), LargestIni);
+        return false;
+    }
+    if (holdsStoredObject(ini)) {
+        qCDebug(krhvcCore, "%ls counts as missing: it holds \"@Variant(\" or \"@DateTime(\"",
+            qUtf16Printable(fileName));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults)
+{
+    if (!isReadable(fileName))
         return defaults;
 
     QSettings settings(fileName, QSettings::IniFormat);

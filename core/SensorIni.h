@@ -14,6 +14,9 @@ struct SensorParameters
 
 /// The group "Main" of the INI file @p fileName, @p defaults where file or keys are missing. A
 /// value that is not a number reads as 0.
+///
+/// A file of more than 64 KiB, or with "@Variant(" or "@DateTime(" in it, counts as missing: it
+/// could take the host's memory or stack.
 SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults);
 
 } // namespace PluginKrHvcP2

@@ -1,6 +1,7 @@
 #include "core/SensorIni.h"
 
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -31,13 +32,23 @@ private slots:
     void init();
     void read_data();
     void read();
-    void hugeValue();
+    void countsAsMissing_data();
+    void countsAsMissing();
+    void sayInTheTraceWhatCountsAsMissing_data();
+    void sayInTheTraceWhatCountsAsMissing();
+    void largestFile();
     void isReadAfresh();
     void missingFile();
     void directoryInPlaceOfFile();
     void fifoInPlaceOfFile();
 
 private:
+    bool write(const QByteArray &content) const
+    {
+        QFile file(m_fileName);
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    }
+
     QString m_fileName;
     QScopedPointer<QTemporaryDir> m_directory;
 };
@@ -93,8 +104,15 @@ void tst_SensorIni::read_data()
     row("text in UTF-8 beside the keys", "[Main]\nName=\xE6\x97\xA5\xE6\x9C\xAC\nPort=5\n", 500,
         921600, 5);
     row("digits of another script read as 0", "[Main]\nPort=\xD9\xA5\n", 500, 921600, 0);
-    row("a broken stored value reads as 0", "[Main]\nPort=@Variant(\\0\\0\\0\\x7f\\xff)\n", 500,
-        921600, 0);
+    row("an at sign and a type in brackets", "[Main]\nMail=a@b.c\nType=Variant(1)\nPort=5\n", 500,
+        921600, 5);
+    row("a quoted at sign", "[Main]\nSign=\"@\"\nName=\"@Velmora\"\nPort=5\n", 500, 921600, 5);
+    row("another letter case of a stored object", "[Main]\nText=@variant(1)\nPort=5\n", 500, 921600,
+        5);
+    row("stored numbers and texts read as 0",
+        "[Main]\nInterval=@Rect(1 2 3 4)\nSpeed=@Size(99999999999 2)\nPort=@Invalid()\n", 0, 0, 0);
+    row("a stored text that is a number", "[Main]\nPort=@ByteArray(5)\nSpeed=@String(96)\n", 500,
+        96, 5);
     row("rubbish", QByteArray("\x00\xff\xfe[[[=]]\n=\n==\n%zz\\\n\x01\x02", 22), 500, 921600, 3);
 }
 
@@ -102,33 +120,96 @@ void tst_SensorIni::read()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, expected);
-    QFile file(m_fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
-    file.close();
-
+    QVERIFY(write(content));
     QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), expected);
 }
 
-void tst_SensorIni::hugeValue()
+void tst_SensorIni::countsAsMissing_data()
 {
-    QFile file(m_fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[Main]\nSpeed=");
-    file.write(QByteArray(4 * 1024 * 1024, 'x'));
-    file.write("\nPort=5\n");
-    file.close();
+    QTest::addColumn<QByteArray>("content");
 
+    // 2,147,483,647 elements, which no memory holds.
+    const QByteArray list = "\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)\n";
+    const QByteArray newerList = "\\0\\0\\0\\t\\0\\x7f\\xff\\xff\\xff)\n";
+    const auto row = [](const char *name, const QByteArray &lines) {
+        QTest::newRow(name) << QByteArray("[Main]\nPort=5\n" + lines);
+    };
+    row("a stored number", "Speed=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x5)\n");
+    row("a broken stored object", "Speed=@Variant(\\0\\0\\0\\x7f\\xff)\n");
+    row("a stored date", "Speed=@DateTime(\\0\\0\\0\\x10\\0)\n");
+    row("a stored list", "Speed=@Variant(" + list);
+    row("a stored list by the name of a date", "Speed=@DateTime(" + newerList);
+    row("under another key", "Name=@Variant(" + list);
+    row("in a list", "Name=1, @Variant(" + list);
+    row("in another group", "[Other]\nName=@Variant(" + list);
+    row("in a comment", ";@Variant(" + list);
+    row("behind another text", "Name=to@Variant(" + list);
+    row("behind a byte order mark", "Name=\xEF\xBB\xBF@Variant(" + list);
+    row("in quotes", "Name=\"@Variant(\"" + list);
+    row("in two pairs of quotes", "Name=\"@Vari\"\"ant(\"" + list);
+    row("in quotes and outside", "Name=\"@Vari\" \t ant(" + list);
+    row("a mark between the quotes", "Name=@\"\"\xEF\xBB\xBFVariant(" + list);
+    row("a joined line", "Name=@Vari\\\nant(" + list);
+    row("a joined line, Windows", "Name=@Vari\\\r\nant(" + list);
+    row("a joined line, turned round", "Name=@Vari\\\n\rant(" + list);
+    row("a joined line, old", "Name=@Vari\\\rant(" + list);
+    row("an escape without meaning", "Name=@Vari\\qant(" + list);
+    row("an escaped x", "Name=@\\xVariant(" + list);
+    row("a hexadecimal at sign", "Name=\\x40Variant(" + list);
+    row("a hexadecimal at sign in front of a digit", "Name=\\x40\"\"DateTime(" + newerList);
+    row("a hexadecimal letter", "Name=@V\\x61\"\"riant(" + list);
+    row("an at sign with zeros in front",
+        "Name=\\x" + QByteArray(60000, '0') + "40Variant(" + list);
+    row("an at sign beyond 16 bits", "Name=\\x123450040Variant(" + list);
+    row("an octal at sign", "Name=\\100Variant(" + list);
+    row("an octal at sign beyond 16 bits", "Name=\\200100Variant(" + list);
+    row("one byte too large", QByteArray(64 * 1024 - 14, ';') + '\n');
+    row("4 MiB", "Name=" + QByteArray(4 * 1024 * 1024, 'x'));
+    row("200,000 nested lists",
+        "Name=@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(200000) + ")\n");
+}
+
+void tst_SensorIni::countsAsMissing()
+{
+    QFETCH(QByteArray, content);
+    QVERIFY(write(content));
+    QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), describe(Defaults));
+}
+
+void tst_SensorIni::sayInTheTraceWhatCountsAsMissing_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("expected"); // behind the name of the file
+
+    QTest::newRow("a stored object")
+        << QByteArray("[Main]\nPort=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x5)\n")
+        << QStringLiteral(" counts as missing: it holds \"@Variant(\" or \"@DateTime(\"");
+    QTest::newRow("too large") << QByteArray(
+        64 * 1024 + 1, '\n') << QStringLiteral(" counts as missing: it is larger than 65536 bytes");
+}
+
+void tst_SensorIni::sayInTheTraceWhatCountsAsMissing()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, expected);
+    QVERIFY(write(content));
+    QLoggingCategory::setFilterRules(QStringLiteral("krhvcp2.core.debug=true"));
+    QTest::ignoreMessage(QtDebugMsg, qPrintable(m_fileName + expected));
+    readSensorIni(m_fileName, Defaults);
+    QLoggingCategory::setFilterRules(QString());
+}
+
+void tst_SensorIni::largestFile()
+{
+    const QByteArray values = "[Main]\nPort=5\nSpeed=";
+    QVERIFY(write(values + QByteArray(64 * 1024 - values.size(), 'x')));
     QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), describe({500, 0, 5}));
 }
 
 void tst_SensorIni::isReadAfresh()
 {
     for (const int port : {5, 16}) {
-        QFile file(m_fileName);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[Main]\nPort=" + QByteArray::number(port) + '\n');
-        file.close();
+        QVERIFY(write("[Main]\nPort=" + QByteArray::number(port) + '\n'));
         QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), describe({500, 921600, port}));
     }
 }
