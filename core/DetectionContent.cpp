@@ -98,8 +98,9 @@ QMap<int, QList<int>> linkedScreens(
                 || !toInt(event.value(QStringLiteral("type"))) || !sequence
                 || !open.contains(*sequence))
                 continue;
+            // The screens come in the order of their ids: one that is there already is the last.
             QList<int> &ids = identifiers[*sequence];
-            if (!ids.contains(it.key()))
+            if (ids.isEmpty() || ids.last() != it.key())
                 ids.append(it.key());
         }
     }

@@ -82,6 +82,14 @@ QVariantMap link(const QVariant &sequence, const QVariant &id = ScreenId, const 
     };
 }
 
+QVariantList repeatedLinks(int count, int sequence)
+{
+    QVariantList events;
+    for (int i = 0; i < count; ++i)
+        events.append(link(sequence));
+    return events;
+}
+
 QVariantMap stageScreen(const QVariantList &events)
 {
     return {{QStringLiteral("event"), events}};
@@ -136,6 +144,7 @@ private slots:
     void identifiers_data();
     void identifiers();
     void manyContents();
+    void manyLinkingScreens();
     void find_data();
     void find();
     void newEntry_data();
@@ -420,6 +429,8 @@ void tst_DetectionContent::identifiers_data()
     linkRow("a link that is not a map", QStringLiteral("link"), none);
     row("one screen links twice to one sequence", {opening(QVariantList())}, {link(1), link(1)},
         first);
+    row("one screen links to two sequences in turn", {opening(QVariantList())},
+        {link(1), link(2), link(1), link(2), link(1)}, both);
     row("a link to a sequence that is not open", {opening(QVariantList{2})}, {link(1)}, none);
     row("no links", {opening(QVariantList())}, {}, none);
 
@@ -451,6 +462,12 @@ void tst_DetectionContent::identifiers_data()
                {30, stageScreen({link(1)})}, {5, stageScreen({link(2), link(1)})},
                {-4, stageScreen({link(1)})}}
         << QStringLiteral("#1 20..29 female [-4 5 30]; #2 30..39 male [5]");
+    const QVariantMap twice = stageScreen({link(2), link(1), link(2), link(1)});
+    QTest::newRow("screens that link twice stand there once, in the order of their ids")
+        << two
+        << StageScreens{{ScreenId, stageScreen({opening(QVariantList())})}, {30, twice}, {5, twice},
+               {-4, twice}}
+        << QStringLiteral("#1 20..29 female [-4 5 30]; #2 30..39 male [-4 5 30]");
     QTest::newRow("an open event stands for as many sequences as there are valid records")
         << invalidThenMen << linkedStage({1, 2}) << none;
     QTest::newRow("a listed sequence opens whatever the number of records")
@@ -483,6 +500,35 @@ void tst_DetectionContent::manyContents()
     const DetectionContents contents = detectionContents(screen(entries), linkedStage(sequences));
     QCOMPARE(contents.size(), Count);
     QCOMPARE(describe(contents.last()), QStringLiteral("#10000 20..29 female [20]"));
+}
+
+/// Screens that all link to one sequence take about as long as if each had one of its own.
+void tst_DetectionContent::manyLinkingScreens()
+{
+    constexpr int Count = 20000;
+    constexpr int LinksPerScreen = 20;
+    QVariantList entries;
+    QList<int> identifiers;
+    StageScreens spread = linkedStage({});
+    StageScreens gathered = spread;
+    for (int i = 0; i < Count; ++i) {
+        const int identifier = 100 + i;
+        entries.append(women());
+        identifiers.append(identifier);
+        spread.insert(identifier, stageScreen(repeatedLinks(LinksPerScreen, i + 1)));
+        gathered.insert(identifier, stageScreen(repeatedLinks(LinksPerScreen, 1)));
+    }
+
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(detectionContents(screen(entries), spread).size(), Count);
+    const qint64 usual = timer.restart();
+    const DetectionContents contents = detectionContents(screen(entries), gathered);
+    const qint64 elapsed = timer.elapsed();
+    QCOMPARE(contents.size(), 1);
+    QCOMPARE(contents.first().identifiers, identifiers);
+    QVERIFY2(elapsed < 5 * usual + 100,
+        qPrintable(QStringLiteral("%1 ms instead of %2 ms").arg(elapsed).arg(usual)));
 }
 
 void tst_DetectionContent::find_data()
