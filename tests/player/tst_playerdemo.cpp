@@ -138,7 +138,7 @@ void tst_PlayerDemo::recordingSwitchesTheStage()
     QByteArray output;
     QVERIFY2(waitForOutput(&process, &output, "  switch  #1  Women 20-39\n"), output.constData());
     QVERIFY2(waitForOutput(&process, &output, "  switch  #2  Men 20-39\n"), output.constData());
-    QVERIFY(output.contains("  player  Plug-in KrHvcP2 " KRHVC_VERSION "\n"));
+    QVERIFY(output.contains("  player  Plug-in KrHvcP2 1.0.0\n"));
     QVERIFY(output.contains("  status  102  Started\n"));
 
     const QDir logs(file(QStringLiteral("logs/KrHvcP2")));

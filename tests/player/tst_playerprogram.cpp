@@ -149,7 +149,7 @@ void tst_PlayerProgram::helpNeedsNoDisplay_data()
     QTest::newRow("--help") << "--help"
                             << "Usage: ";
     QTest::newRow("--version") << "--version"
-                               << "KrStagePlayer ";
+                               << "KrStagePlayer " KRHVC_VERSION "\n";
 }
 
 void tst_PlayerProgram::helpNeedsNoDisplay()

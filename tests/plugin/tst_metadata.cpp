@@ -79,7 +79,8 @@ void tst_Metadata::block_data()
 
     const auto text = [](const char *utf8) { return QJsonValue(QString::fromUtf8(utf8)); };
     QTest::newRow("name") << QStringLiteral("Name") << text("KrHvcP2");
-    QTest::newRow("version") << QStringLiteral("Version") << text(KRHVC_VERSION);
+    QTest::newRow("version is not that of the project")
+        << QStringLiteral("Version") << text("1.0.0");
     QTest::newRow("compatible version") << QStringLiteral("CompatVersion") << text("1.0.0");
     QTest::newRow("vendor is the owner's value") << QStringLiteral("Vendor") << text(KRHVC_VENDOR);
     QTest::newRow("copyright is the owner's value")
