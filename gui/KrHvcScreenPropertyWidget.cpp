@@ -83,7 +83,7 @@ KrHvcScreenPropertyWidget::KrHvcScreenPropertyWidget(QWidget *parent)
 
 void KrHvcScreenPropertyWidget::loadValues()
 {
-    if (m_pluginData == nullptr || m_pluginData->isNull())
+    if (m_pluginData == nullptr)
         return;
     const QVariantMap settings = m_pluginData->toMap().value(Keys::PluginData).toMap();
     const QList<Field> allFields = fields();
@@ -95,7 +95,7 @@ void KrHvcScreenPropertyWidget::loadValues()
 
 bool KrHvcScreenPropertyWidget::applyValues()
 {
-    if (m_pluginData == nullptr || m_pluginData->isNull())
+    if (m_pluginData == nullptr)
         return true;
 
     QVariantMap screen = m_pluginData->toMap();

@@ -19,7 +19,7 @@ class KrHvcScreenPropertyWidget : public QWidget
 public:
     explicit KrHvcScreenPropertyWidget(QWidget *parent = nullptr);
 
-    /// The screen's parameter map; not owned, null for none.
+    /// The screen's parameter map; not owned, null for none. A null value counts as an empty map.
     void setPluginData(QVariant *pluginData) { m_pluginData = pluginData; }
 
     void loadValues(); ///< map to widgets; nothing without a map

@@ -69,8 +69,8 @@ private slots:
     void announcesScreenId_data();
     void announcesScreenId();
     void typedValues();
-    void refusesNothingWithoutMap_data();
-    void refusesNothingWithoutMap();
+    void refusesNothingWithoutPointer();
+    void nullValueCountsAsEmptyMap();
     void receiverDeletesTheWidget();
 
 private:
@@ -251,6 +251,7 @@ void tst_ScreenPropertyWidget::loads_data()
     QTest::newRow("plugindata of another type")
         << QVariant(QVariantMap{{"plugindata"_s, "interval"_s}}) << defaults;
     QTest::newRow("a map of another type") << QVariant(5) << defaults;
+    QTest::newRow("a null value behind the pointer") << QVariant() << defaults;
     QTest::newRow("only interval missing")
         << screenWith({{"concurrent"_s, 9}}) << QVector<int>{500, 0, 0, 0, 0, 9, 5000};
     QTest::newRow("texts that convert")
@@ -546,25 +547,29 @@ void tst_ScreenPropertyWidget::typedValues()
     QCOMPARE(m_pluginData, screenWith(expected));
 }
 
-void tst_ScreenPropertyWidget::refusesNothingWithoutMap_data()
+void tst_ScreenPropertyWidget::refusesNothingWithoutPointer()
 {
-    QTest::addColumn<bool>("withPointer");
-
-    QTest::newRow("no pointer") << false;
-    QTest::newRow("a null value behind the pointer") << true;
-}
-
-void tst_ScreenPropertyWidget::refusesNothingWithoutMap()
-{
-    QFETCH(bool, withPointer);
-    m_pluginData = QVariant();
-    m_widget->setPluginData(withPointer ? &m_pluginData : nullptr);
     m_widget->loadValues();
     spinBox("interval")->setValue(77);
     QSignalSpy spy(m_widget.get(), SIGNAL(screenValuesUpdated(int, QList<int>)));
     QVERIFY(m_widget->applyValues());
     QCOMPARE(spy.count(), 0);
-    QVERIFY(!m_pluginData.isValid());
+}
+
+void tst_ScreenPropertyWidget::nullValueCountsAsEmptyMap()
+{
+    m_pluginData = QVariant();
+    m_widget->setPluginData(&m_pluginData);
+    m_widget->loadValues();
+    QSignalSpy spy(m_widget.get(), SIGNAL(screenValuesUpdated(int, QList<int>)));
+    QVERIFY(m_widget->applyValues());
+    const QVariantMap defaults{{"interval"_s, 500}, {"face-detection-confidence"_s, 0},
+        {"face-direction-confidence"_s, 0}, {"age-confidence"_s, 0}, {"gender-confidence"_s, 0},
+        {"concurrent"_s, 1}, {"event-sending-limit"_s, 5000}};
+    QCOMPARE(m_pluginData, QVariant(QVariantMap{{"plugindata"_s, defaults}}));
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toInt(), -1);
+    QCOMPARE(spy.at(0).at(1).value<QList<int>>(), QList<int>());
 }
 
 void tst_ScreenPropertyWidget::receiverDeletesTheWidget()
