@@ -433,7 +433,7 @@ void KrHvcContentPropertyWidget::storeExisting(QVariantList contents)
     const bool changed = !isSameText(entry, updated, Keys::Name)
         || storedRange.ageMin != entered.ageMin || storedRange.ageMax != entered.ageMax
         || !isSameText(paramsOf(entry), paramsOf(updated), Keys::Gender)
-        || !isSameText(paramsOf(entry), paramsOf(updated), Keys::Default);
+        || isTrueText(paramsOf(entry).value(Keys::Default)) != entered.isDefault;
     if (!changed)
         return;
 

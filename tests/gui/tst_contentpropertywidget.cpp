@@ -942,9 +942,29 @@ void tst_ContentPropertyWidget::stores_data()
         << textAges << "name"_s << QVariant(content("N"_s, 20, 30, "male"_s)) << true;
     QTest::newRow("a gender in upper case is another text")
         << QVariant(content("n"_s, 20, 30, "MALE"_s)) << QString() << QVariant(plain) << true;
-    QTest::newRow("a default in upper case is another text")
-        << QVariant(content("n"_s, 20, 30, "male"_s, "FALSE"_s)) << QString() << QVariant(plain)
-        << true;
+    const QVariantMap upperDefault = content("n"_s, 20, 30, "male"_s, "TRUE"_s);
+    QTest::newRow("a default in upper case is the same default")
+        << QVariant(upperDefault) << QString() << QVariant(upperDefault) << false;
+    QTest::newRow("a default in upper case that is taken back")
+        << QVariant(upperDefault) << "default"_s << QVariant(plain) << true;
+    QTest::newRow("a default in upper case is rewritten with any change")
+        << QVariant(upperDefault) << "name"_s
+        << QVariant(content("N"_s, 20, 30, "male"_s, "true"_s)) << true;
+    const QVariantMap otherDefault = content("n"_s, 20, 30, "male"_s, "yes"_s);
+    QTest::newRow("a default that is no word of ours is none")
+        << QVariant(otherDefault) << QString() << QVariant(otherDefault) << false;
+    const QVariantMap boolDefault = content("n"_s, 20, 30, "male"_s, true);
+    QTest::newRow("a default stored as a bool")
+        << QVariant(boolDefault) << QString() << QVariant(boolDefault) << false;
+    QVariantMap noDefault = plain;
+    QVariantMap noDefaultParams = plain.value("params"_s).toMap();
+    noDefaultParams.remove("default"_s);
+    noDefault.insert("params"_s, noDefaultParams);
+    QTest::newRow("a missing default is none")
+        << QVariant(noDefault) << QString() << QVariant(noDefault) << false;
+    QTest::newRow("a missing default that is set")
+        << QVariant(noDefault) << "default"_s
+        << QVariant(content("n"_s, 20, 30, "male"_s, "true"_s)) << true;
     QTest::newRow("ages outside the limits are replaced by the limits shown")
         << QVariant(content("n"_s, -3, 99, "male"_s)) << QString()
         << QVariant(content("n"_s, 0, 75, "male"_s)) << true;
@@ -992,7 +1012,7 @@ void tst_ContentPropertyWidget::stores()
     else if (changed == "ageMax"_s)
         ageMax()->setValue(31);
     else if (changed == "default"_s)
-        isDefault()->setChecked(true);
+        isDefault()->toggle();
     else if (changed == "gender"_s) {
         automatic()->setChecked(false);
         gender()->setCurrentText("Female"_s);
