@@ -181,7 +181,7 @@ bool KrHvcContentPropertyWidget::validateAndStore()
 {
     QVariantList others = contents();
     const QVariantList entries = others;
-    if (!hasParameters() || m_editIndex < 0 || m_editIndex > entries.size())
+    if (!hasParameters() || m_editIndex < 0)
         return false;
     const bool isExisting = m_editIndex < entries.size();
     if (isExisting)

@@ -34,7 +34,8 @@ public:
     /// Proposes a new content. False, with a message, when no age range is free.
     bool prepareNewContent();
 
-    /// Shows the content at the zero-based @p seqIndex; ignores one that is not there.
+    /// Shows the content at the zero-based @p seqIndex. For one that is not there the fields stay:
+    /// behind the last they are stored as a new content of that index, below 0 not at all.
     void loadContent(int seqIndex);
 
     /// Writes an edited content to the map, or asks for a new one to be added. False, with a
@@ -86,7 +87,7 @@ private:
     QLineEdit *m_name = nullptr;
     QCheckBox *m_auto = nullptr;
     QVariant *m_pluginData = nullptr;
-    int m_editIndex = 0; // in "contents"; their count for a new content
+    int m_editIndex = -1; // in "contents"; their count, or more, for a new content
     QVector<AgeRange> m_freeRanges; // and those left by "Find Range"
     bool m_updating = false; // the program, not the user, changes the fields
 };

@@ -111,8 +111,11 @@ private slots:
     void storesNew();
     void refusesToStoreWithoutMap_data();
     void refusesToStoreWithoutMap();
-    void indexOutOfRangeNeverReachesTheList_data();
-    void indexOutOfRangeNeverReachesTheList();
+    void refusesToStoreWithoutIndex_data();
+    void refusesToStoreWithoutIndex();
+    void storesNewBehindTheList_data();
+    void storesNewBehindTheList();
+    void refusesNewBehindTheList();
     void typedEdit();
     void neverEmitsRejected();
 
@@ -1118,27 +1121,88 @@ void tst_ContentPropertyWidget::refusesToStoreWithoutMap()
     QVERIFY(!m_pluginData.isValid());
 }
 
-void tst_ContentPropertyWidget::indexOutOfRangeNeverReachesTheList_data()
+void tst_ContentPropertyWidget::refusesToStoreWithoutIndex_data()
 {
-    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("before"); // what the widget did before
 
-    QTest::newRow("negative") << -1;
-    QTest::newRow("lowest") << std::numeric_limits<int>::min();
-    QTest::newRow("far behind the list") << std::numeric_limits<int>::max();
+    QTest::newRow("nothing was loaded") << QString();
+    QTest::newRow("a new content found no free range") << "prepare"_s;
+    QTest::newRow("a negative index was loaded") << "-1"_s;
+    QTest::newRow("the lowest index was loaded") << "-2147483648"_s;
 }
 
-void tst_ContentPropertyWidget::indexOutOfRangeNeverReachesTheList()
+void tst_ContentPropertyWidget::refusesToStoreWithoutIndex()
 {
-    QFETCH(int, index);
-    setContents({content("a"_s, 0, 5, "both"_s)});
-    const QVariant before = m_pluginData;
-    m_widget->loadContent(index);
+    QFETCH(QString, before);
+    setContents({content("a"_s, 0, 75, "both"_s)});
+    const QVariant stored = m_pluginData;
+    ModalDriver driver;
+    if (before == "prepare"_s) {
+        driver.confirmBox();
+        QVERIFY(!m_widget->prepareNewContent());
+    } else if (!before.isEmpty()) {
+        m_widget->loadContent(0);
+        m_widget->loadContent(before.toInt());
+    }
     enter("n"_s, 40, 50, "Male"_s, false);
     QSignalSpy updated(m_widget.get(), SIGNAL(screenValuesUpdated(int, QList<int>)));
+    QSignalSpy requested(m_widget.get(), SIGNAL(requestAddContents(int, QMap<int, QVariant>)));
+    QVERIFY(!m_widget->validateAndStore());
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(m_pluginData, stored);
+    QCOMPARE(updated.count(), 0);
+    QCOMPARE(requested.count(), 0);
+}
+
+void tst_ContentPropertyWidget::storesNewBehindTheList_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<int>("count"); // of the contents when it is stored
+
+    QTest::newRow("the count") << 2 << 2;
+    QTest::newRow("beyond the count") << 7 << 2;
+    QTest::newRow("far behind the list") << std::numeric_limits<int>::max() << 2;
+    QTest::newRow("no contents") << 0 << 0;
+    QTest::newRow("the content has been removed meanwhile") << 1 << 1;
+    QTest::newRow("all contents have been removed meanwhile") << 1 << 0;
+}
+
+void tst_ContentPropertyWidget::storesNewBehindTheList()
+{
+    QFETCH(int, index);
+    QFETCH(int, count);
+    const QVariantList contents{content("a"_s, 0, 5, "both"_s), content("b"_s, 6, 9, "both"_s)};
+    setContents(contents);
+    m_widget->loadContent(index);
+    m_pluginData = screen(contents.mid(0, count), 42);
+    const QVariant before = m_pluginData;
+    enter("n"_s, 40, 50, "Male"_s, true);
+    QSignalSpy updated(m_widget.get(), SIGNAL(screenValuesUpdated(int, QList<int>)));
+    QSignalSpy requested(m_widget.get(), SIGNAL(requestAddContents(int, QMap<int, QVariant>)));
     ModalDriver driver;
-    m_widget->validateAndStore();
+    QVERIFY(m_widget->validateAndStore());
+    QCOMPARE(driver.failures(), QString());
     QCOMPARE(m_pluginData, before);
     QCOMPARE(updated.count(), 0);
+    QCOMPARE(requested.count(), 1);
+    QCOMPARE(requested.at(0).at(0).toInt(), 42);
+    const QMap<int, QVariant> expected{{index, content("n"_s, 40, 50, "male"_s, "true"_s)}};
+    const auto added = requested.at(0).at(1).value<QMap<int, QVariant>>();
+    QCOMPARE(added, expected);
+}
+
+void tst_ContentPropertyWidget::refusesNewBehindTheList()
+{
+    setContents({content("a"_s, 0, 5, "both"_s)});
+    m_widget->loadContent(99);
+    enter("n"_s, 5, 9, "Male"_s, false);
+    QSignalSpy requested(m_widget.get(), SIGNAL(requestAddContents(int, QMap<int, QVariant>)));
+    ModalDriver driver;
+    driver.confirmBox();
+    QVERIFY(!m_widget->validateAndStore());
+    QCOMPARE(driver.boxes(), QStringList{ageRangeBox()});
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(requested.count(), 0);
 }
 
 void tst_ContentPropertyWidget::typedEdit()
