@@ -308,7 +308,6 @@ QBoxLayout *KrHvcContentPropertyWidget::createAgeRow()
     m_ageMax = createAgeSpinBox(QStringLiteral("ageMax"), 30);
     auto *findRange = new QPushButton(tr("Find Range"));
     findRange->setObjectName(QStringLiteral("findRange"));
-    findRange->setAutoDefault(false); // Return means the dialog's Ok
     connect(findRange, &QPushButton::clicked, this,
         &KrHvcContentPropertyWidget::onFindNextRangeButtonClicked);
 

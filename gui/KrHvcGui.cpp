@@ -44,6 +44,14 @@ void placeDialog(QDialog *dialog, const QRect &anchor, int horizontalRoom)
         dialog->move(dialogPosition(anchor, screen->geometry(), horizontalRoom));
 }
 
+/// Lets a dialog that opens again start in its first field, not on the button that closed it.
+void forgetFocus(const QDialog *dialog)
+{
+    QWidget *focused = dialog->focusWidget();
+    if (focused != nullptr && !dialog->isVisible())
+        focused->clearFocus();
+}
+
 void deleteActions(QList<QAction *> &actions)
 {
     const QList<QAction *> owned = std::exchange(actions, {});
@@ -109,6 +117,7 @@ int KrHvcGui::execScreenPropertyDialog(const QRect &anchor)
         dialog->resize(ScreenDialogSize);
     else
         placeDialog(dialog, anchor, ScreenDialogRoom);
+    forgetFocus(dialog);
     return dialog->exec();
 }
 
@@ -318,6 +327,7 @@ void KrHvcGui::showContentDialog(const QString &title, const QRect &anchor)
     QDialog *dialog = contentDialog();
     dialog->setWindowTitle(title);
     placeDialog(dialog, anchor.isNull() ? cursorAnchor(QCursor::pos()) : anchor, ContentDialogRoom);
+    forgetFocus(dialog);
 
     const QPointer<KrHvcGui> self(this);
     dialog->exec();

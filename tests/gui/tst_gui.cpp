@@ -100,6 +100,9 @@ private slots:
     void contentIsLeft();
     void refusedOkKeepsTheDialog();
     void newContentIsRequested();
+    void returnPressesFindRange();
+    void opensInTheFirstField_data();
+    void opensInTheFirstField();
     void screenIsStored_data();
     void screenIsStored();
     void screenIsLeft_data();
@@ -747,8 +750,7 @@ void tst_Gui::newContentIsRequested()
         QTest::mouseClick(findRange, Qt::LeftButton);
         QTest::mouseClick(findRange, Qt::LeftButton);
         clickCheckBox(dialog->findChild<QWidget *>("default"_s));
-        findRange->setFocus();
-        press(dialog, Qt::Key_Return); // Ok, though a button has the focus
+        press(dialog, Qt::Key_Return);
     });
     addAction()->trigger();
     QCOMPARE(driver.failures(), QString());
@@ -761,6 +763,97 @@ void tst_Gui::newContentIsRequested()
         {3, content("20 - 29 years old (Female)"_s, 20, 29, "female"_s, "true"_s)}};
     const auto actual = requested.at(0).at(1).value<QMap<int, QVariant>>();
     QCOMPARE(actual, expected);
+}
+
+void tst_Gui::returnPressesFindRange()
+{
+    const QVariant before = m_pluginData;
+    QSignalSpy updated(m_gui.get(), SIGNAL(screenValuesUpdated(int, QList<int>)));
+    QStringList names;
+    ModalDriver driver;
+    const auto pressTwice = [&](QDialog *dialog) {
+        auto *findRange = dialog->findChild<QPushButton *>("findRange"_s);
+        findRange->setFocus();
+        for (int i = 0; i < 2; ++i) {
+            press(dialog, Qt::Key_Return);
+            QVERIFY(dialog->isVisible());
+            names.append(dialog->findChild<QLineEdit *>("name"_s)->text());
+        }
+    };
+    driver.onDialog([&](QDialog *dialog) {
+        pressTwice(dialog);
+        press(dialog, Qt::Key_Escape); // with the focus on the button
+    });
+    m_gui->execContentPropertyDialog(2, QRect());
+    QCOMPARE(m_pluginData, before);
+
+    // Anywhere else it means Ok again, also in a dialog that was left from the button.
+    driver.onDialog([&](QDialog *dialog) {
+        pressTwice(dialog);
+        dialog->findChild<QWidget *>("name"_s)->setFocus();
+        press(dialog, Qt::Key_Return);
+    });
+    m_gui->execContentPropertyDialog(2, QRect());
+    driver.onDialog([&](QDialog *dialog) {
+        dialog->findChild<QLineEdit *>("name"_s)->setText("of its own"_s);
+        press(dialog, Qt::Key_Return);
+    });
+    m_gui->execContentPropertyDialog(2, QRect());
+    QCOMPARE(driver.failures(), QString());
+    // The only one free at 20 is for Female; behind it is the one for Both, then where it began.
+    const QStringList round{"21 - 29 years old (Both)"_s, "20 - 20 years old (Male)"_s};
+    QCOMPARE(names, round + round);
+    QCOMPARE(updated.count(), 2);
+}
+
+void tst_Gui::opensInTheFirstField_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QString>("how"); // it was left before
+    QTest::addColumn<QString>("field");
+
+    for (const QString &how :
+        {"Ok"_s, "Cancel"_s, "Escape"_s, "Return"_s, "closed"_s, "by the host"_s}) {
+        QTest::newRow(qPrintable("editing, "_s + how)) << "edit"_s << how << "name"_s;
+        QTest::newRow(qPrintable("adding, "_s + how)) << "add"_s << how << "name"_s;
+        QTest::newRow(qPrintable("screen, "_s + how)) << "screen"_s << how << "interval"_s;
+    }
+}
+
+void tst_Gui::opensInTheFirstField()
+{
+    QFETCH(QString, what);
+    QFETCH(QString, how);
+    QFETCH(QString, field);
+    QStringList focused;
+    ModalDriver driver;
+    for (int i = 0; i < 3; ++i) {
+        driver.onDialog([&](QDialog *dialog) {
+            QWidget *focus = QApplication::focusWidget();
+            focused.append(focus != nullptr ? focus->objectName() : "nothing"_s);
+            const auto *buttons = dialog->findChild<QDialogButtonBox *>();
+            QPushButton *cancel = buttons->button(QDialogButtonBox::Cancel);
+            QVERIFY(buttons->button(QDialogButtonBox::Ok)->isDefault());
+            cancel->setFocus();
+            if (how == "Ok"_s) {
+                buttons->button(QDialogButtonBox::Ok)->setFocus();
+                clickButton(dialog, QDialogButtonBox::Ok);
+            } else if (how == "Cancel"_s) {
+                clickButton(dialog, QDialogButtonBox::Cancel);
+            } else if (how == "Escape"_s) {
+                press(dialog, Qt::Key_Escape);
+            } else if (how == "Return"_s) {
+                press(dialog, Qt::Key_Return); // on Cancel
+            } else if (how == "closed"_s) {
+                dialog->close();
+            } else {
+                dialog->hide();
+            }
+        });
+        open(what);
+    }
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(focused, QStringList({field, field, field}));
 }
 
 void tst_Gui::screenIsStored_data()
