@@ -77,10 +77,11 @@ KrHvcGui::~KrHvcGui()
     deleteActions(m_pluginPropertyActions);
     deleteActions(m_addContentActions);
 
-    // What stays behind must not reach the map any more, nor block the host when it is open.
+    // What stays behind must not reach the map any more, nor block the host when it is open. One
+    // that is not open must not be rejected: Qt would take it for the last window that was closed.
     if (m_screenWidget)
         m_screenWidget->setPluginData(nullptr);
-    if (m_screenDialog)
+    if (m_screenDialog && m_screenDialog->isVisible())
         m_screenDialog->reject();
 }
 

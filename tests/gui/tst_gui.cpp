@@ -126,6 +126,8 @@ private slots:
     void deletedByReceiver();
     void hostDeletesTheDialog();
     void screenWidgetAndDialogAreKept();
+    void goesWithoutClosingWindows_data();
+    void goesWithoutClosingWindows();
 
 private:
     QAction *addAction() const { return m_gui->addContentActions().first(); }
@@ -1250,6 +1252,39 @@ void tst_Gui::screenWidgetAndDialogAreKept()
     widget->findChild<QSpinBox *>("interval"_s)->setValue(99);
     QVERIFY(widget->applyValues());
     QCOMPARE(m_pluginData, before);
+}
+
+void tst_Gui::goesWithoutClosingWindows_data()
+{
+    QTest::addColumn<QStringList>("opened");
+
+    QTest::newRow("nothing was opened") << QStringList();
+    QTest::newRow("the screen dialog has been open") << QStringList{"screen"_s};
+    QTest::newRow("the content dialog has been open") << QStringList{"edit"_s};
+    QTest::newRow("both have been open") << QStringList{"screen"_s, "edit"_s};
+}
+
+/// A host whose windows are hidden at the moment must not be told that the last one was closed.
+void tst_Gui::goesWithoutClosingWindows()
+{
+    QFETCH(QStringList, opened);
+    QWidget hidden;
+    int closedWindows = -1;
+    ModalDriver driver;
+    // Only a running application sends the signal.
+    QTimer::singleShot(0, this, [&] {
+        for (const QString &what : opened) {
+            driver.onDialog([](QDialog *dialog) { dialog->reject(); });
+            open(what);
+        }
+        const QSignalSpy closed(qGuiApp, &QGuiApplication::lastWindowClosed);
+        m_gui.reset();
+        closedWindows = closed.count();
+        QApplication::quit();
+    });
+    QApplication::exec();
+    QCOMPARE(driver.failures(), QString());
+    QCOMPARE(closedWindows, 0);
 }
 
 QTEST_MAIN(tst_Gui)
