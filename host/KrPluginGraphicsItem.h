@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QGraphicsRectItem>
+#include <QObject>
 #include <QSizeF>
 
 namespace Kora {
@@ -18,3 +19,5 @@ public:
 };
 
 } // namespace Kora
+
+Q_DECLARE_INTERFACE(Kora::KrPluginGraphicsItem, "KrPluginGraphicsItem")

@@ -150,6 +150,7 @@ class tst_KrMovingTextItem : public QObject
 
 private slots:
     void metaObject();
+    void interfaceCast();
     void constructionOfThePanel();
     void constructionOfTheTitle();
     void constructionOfTheButtons();
@@ -220,6 +221,18 @@ void tst_KrMovingTextItem::metaObject()
     auto *base = static_cast<Kora::KrPluginGraphicsItem *>(&panel);
     QCOMPARE(panel.qt_metacast("KrPluginGraphicsItem"), static_cast<void *>(base));
     QVERIFY(panel.qt_metacast("SomethingElse") == nullptr);
+}
+
+void tst_KrMovingTextItem::interfaceCast()
+{
+    QCOMPARE(QByteArray(qobject_interface_iid<Kora::KrPluginGraphicsItem *>()),
+        QByteArrayLiteral("KrPluginGraphicsItem"));
+    KrMovingTextItem panel;
+    QObject *object = &panel;
+    QCOMPARE(qobject_cast<Kora::KrPluginGraphicsItem *>(object),
+        static_cast<Kora::KrPluginGraphicsItem *>(&panel));
+    QObject other;
+    QVERIFY(qobject_cast<Kora::KrPluginGraphicsItem *>(&other) == nullptr);
 }
 
 void tst_KrMovingTextItem::constructionOfThePanel()

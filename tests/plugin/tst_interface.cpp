@@ -163,6 +163,7 @@ private slots:
     void oneInstanceWhileItLives();
     void aNewInstanceAfterTheDeletion();
     void castsToBothInterfaces();
+    void castsThePanel();
     void metacast_data();
     void metacast();
     void className();
@@ -252,6 +253,15 @@ void tst_Interface::castsToBothInterfaces()
         QByteArrayLiteral("com.velmora.kora.plugin.CommonInterface/1.0"));
     QCOMPARE(QByteArray(qobject_interface_iid<Kora::KrPluginExtScreenInterface *>()),
         QByteArrayLiteral("com.velmora.kora.plugin.ExtScreenInterface/1.0"));
+}
+
+void tst_Interface::castsThePanel()
+{
+    const LoadedPlugin plugin;
+    auto *object = dynamic_cast<QObject *>(plugin->graphicsItem());
+    QVERIFY(object != nullptr);
+    QCOMPARE(qobject_cast<Item *>(object), plugin->graphicsItem());
+    QVERIFY(qobject_cast<Item *>(plugin.object()) == nullptr);
 }
 
 void tst_Interface::metacast_data()
