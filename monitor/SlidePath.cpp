@@ -6,7 +6,7 @@ int normalizedDirection(int direction)
 {
     constexpr int horizontal = Leftwards | Rightwards;
     constexpr int vertical = Upwards | Downwards;
-    int normalized = direction & (horizontal | vertical);
+    int normalized = direction;
     if ((normalized & horizontal) == horizontal)
         normalized &= ~horizontal;
     if ((normalized & vertical) == vertical)

@@ -21,7 +21,8 @@ struct SlidePath
     QPointF exit;
 };
 
-/// Removes opposite directions that are both set. 0: the message does not move, so is not shown.
+/// Removes opposite directions that are both set and keeps every other bit. 0: the message is not
+/// shown; one that has only bits without a way is, and stays where it enters.
 int normalizedDirection(int direction);
 
 bool movesOnlyHorizontally(int normalizedDirection);

@@ -436,6 +436,10 @@ static void addDirections()
     QTest::newRow("left and right cancelled, down") << 13 << 0 << 1;
     QTest::newRow("up and down cancelled, right") << 14 << 1 << 0;
     QTest::newRow("upwards with a bit that means nothing") << 18 << 0 << -1;
+    QTest::newRow("leftwards with a bit that means nothing") << 17 << -1 << 0;
+    QTest::newRow("only a bit that means nothing") << 16 << 0 << 0;
+    QTest::newRow("all four cancelled, a bit that means nothing") << 31 << 0 << 0;
+    QTest::newRow("every bit of a negative number") << -1 << 0 << 0;
 }
 
 /// Panel of 400 x 300; where a text starts, rests and leaves to.
@@ -598,8 +602,6 @@ void tst_KrMovingTextItem::neverShown_data()
     QTest::newRow("left and right") << 5;
     QTest::newRow("up and down") << 10;
     QTest::newRow("all four") << 15;
-    QTest::newRow("only a bit that means nothing") << 16;
-    QTest::newRow("every bit of a negative number") << -1;
 }
 
 void tst_KrMovingTextItem::neverShown()

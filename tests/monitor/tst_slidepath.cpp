@@ -37,6 +37,11 @@ void tst_SlidePath::normalizing_data()
     QTest::newRow("left and right leave downwards") << 13 << 8 << false;
     QTest::newRow("up and down leave rightwards") << 14 << 4 << true;
     QTest::newRow("all four cancel each other out") << 15 << 0 << false;
+    QTest::newRow("a bit without a way is kept") << 16 << 16 << false;
+    QTest::newRow("a bit without a way beside leftwards") << 17 << 17 << true;
+    QTest::newRow("a bit without a way beside upwards") << 18 << 18 << false;
+    QTest::newRow("a bit without a way outlasts the four") << 31 << 16 << false;
+    QTest::newRow("a negative number keeps all but the four") << -1 << -16 << false;
 }
 
 void tst_SlidePath::normalizing()
@@ -85,6 +90,10 @@ void tst_SlidePath::path_data()
         << QPointF(400, 300);
     QTest::newRow("no direction stays at the origin")
         << 0 << panel << width << height << QPointF(0, 0) << QPointF(0, 0) << QPointF(0, 0);
+    QTest::newRow("a bit without a way stays at the origin")
+        << 16 << panel << width << height << QPointF(0, 0) << QPointF(0, 0) << QPointF(0, 0);
+    QTest::newRow("a bit without a way changes no other way")
+        << 18 << panel << width << height << QPointF(0, 300) << QPointF(0, 130) << QPointF(0, -40);
     QTest::newRow("text taller than the panel rests above its upper edge")
         << 2 << panel << width << qreal(500) << QPointF(0, 300) << QPointF(0, -100)
         << QPointF(0, -500);
