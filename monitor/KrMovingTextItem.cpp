@@ -52,7 +52,7 @@ KrMovingTextItem::KrMovingTextItem(QObject *parent)
 
 KrMovingTextItem::~KrMovingTextItem()
 {
-    if (m_pluginObject && !m_released)
+    if (!m_released && hasPlugin())
         m_plugin->releaseGraphicsItem();
 }
 
@@ -60,6 +60,7 @@ void KrMovingTextItem::setPlugin(Kora::KrPluginExtScreenInterface *plugin)
 {
     m_plugin = plugin;
     m_pluginObject = plugin != nullptr ? plugin->object() : nullptr;
+    m_pluginIsWatched = m_pluginObject != nullptr;
 }
 
 void KrMovingTextItem::addText(const QString &text, int direction)
@@ -132,7 +133,7 @@ void KrMovingTextItem::moveTextItem()
 
 void KrMovingTextItem::buttonClicked(QObject *button)
 {
-    if (button == nullptr || !m_pluginObject)
+    if (button == nullptr || !hasPlugin())
         return;
 
     // Each of these may run host code that deletes the panel, so nothing may follow them.
@@ -147,6 +148,11 @@ void KrMovingTextItem::buttonClicked(QObject *button)
         if (ok)
             m_plugin->requestSequenceNumber(number);
     }
+}
+
+bool KrMovingTextItem::hasPlugin() const
+{
+    return m_plugin != nullptr && (m_pluginObject || !m_pluginIsWatched);
 }
 
 void KrMovingTextItem::addTitle()

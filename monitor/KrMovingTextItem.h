@@ -36,7 +36,8 @@ public:
     explicit KrMovingTextItem(QObject *parent = nullptr);
     ~KrMovingTextItem() override;
 
-    /// The plug-in that the buttons act on; not owned, may go before the panel, null for none.
+    /// The plug-in that the buttons act on; not owned, null for none. It may go before the panel
+    /// when it has an object(), which is watched.
     void setPlugin(Kora::KrPluginExtScreenInterface *plugin);
 
     /// The plug-in has handed the panel over and may hold another one now.
@@ -57,6 +58,7 @@ public slots:
 private:
     using TextItem = Private::KrTextItem_Private;
 
+    bool hasPlugin() const;
     void addTitle();
     void addButtons();
     TextItem *createMessage() const;
@@ -66,8 +68,9 @@ private:
     void leave(TextItem *item);
     void slide(TextItem *item, const QPointF &from, const QPointF &to, bool deleteAtEnd);
 
-    Kora::KrPluginExtScreenInterface *m_plugin = nullptr; // dangles once m_pluginObject is null
+    Kora::KrPluginExtScreenInterface *m_plugin = nullptr; // may dangle: ask hasPlugin()
     QPointer<QObject> m_pluginObject;
+    bool m_pluginIsWatched = false; // it had an object
     bool m_released = false;
 
     QList<TextItem *> m_pending; // without parent until they are shown

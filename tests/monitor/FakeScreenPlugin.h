@@ -13,6 +13,7 @@ class FakeScreenPlugin : public QObject, public Kora::KrPluginExtScreenInterface
 public:
     QStringList calls;
     std::function<void()> onCall; ///< what the host does inside each call; may be empty
+    bool hasObject = true; ///< else object() is null
 
     void releaseGraphicsItem() override { note(QStringLiteral("releaseGraphicsItem()")); }
     bool start() override { return note(QStringLiteral("start()")); }
@@ -21,7 +22,7 @@ public:
     {
         note(QStringLiteral("requestSequenceNumber(%1)").arg(number));
     }
-    QObject *object() override { return this; }
+    QObject *object() override { return hasObject ? this : nullptr; }
 
     QString name() const override { return {}; }
     QString path() const override { return {}; }

@@ -198,6 +198,7 @@ private slots:
     void panelOutlivesThePlugin_data();
     void panelOutlivesThePlugin();
     void pluginTakenAway();
+    void pluginWithoutObject();
     void hostDeletesThePanelInACall_data();
     void hostDeletesThePanelInACall();
     void hostDeletesThePluginInACall();
@@ -1074,6 +1075,21 @@ void tst_KrMovingTextItem::pluginTakenAway()
     panel->buttonClicked(buttonOf(*panel, QStringLiteral("start")));
     panel.reset();
     QCOMPARE(plugin.calls, QStringList());
+}
+
+void tst_KrMovingTextItem::pluginWithoutObject()
+{
+    // Nothing tells whether such a plug-in is still there, so it is taken to be.
+    FakeScreenPlugin plugin;
+    plugin.hasObject = false;
+    auto panel = std::make_unique<KrMovingTextItem>();
+    panel->setPlugin(&plugin);
+    for (const char *name : {"start", "stop", "#4"})
+        panel->buttonClicked(buttonOf(*panel, QString::fromLatin1(name)));
+    panel.reset();
+    QCOMPARE(plugin.calls,
+        QStringList({QStringLiteral("start()"), QStringLiteral("stop()"),
+            QStringLiteral("requestSequenceNumber(4)"), QStringLiteral("releaseGraphicsItem()")}));
 }
 
 void tst_KrMovingTextItem::hostDeletesThePanelInACall_data()
