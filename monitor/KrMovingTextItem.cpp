@@ -6,7 +6,6 @@
 #include "monitor/SlidePath.h"
 
 #include <QBrush>
-#include <QFont>
 #include <QPen>
 #include <QPropertyAnimation>
 #include <QTextDocument>
@@ -164,7 +163,7 @@ void KrMovingTextItem::addTitle()
     m_title->setBackgroundColor(QColor(0, 0, 0, 127));
     m_title->setDefaultTextColor(Qt::cyan);
     m_title->setVisible(true);
-    m_title->setFont(QFont(QStringLiteral("Yu Gothic"), 10, QFont::Bold));
+    m_title->setFont(Private::panelFont(10, QFont::Bold));
 }
 
 void KrMovingTextItem::addButtons()

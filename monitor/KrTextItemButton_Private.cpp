@@ -1,6 +1,5 @@
 #include "monitor/KrTextItemButton_Private.h"
 
-#include <QFont>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
@@ -29,9 +28,7 @@ KrTextItemButton_Private::KrTextItemButton_Private(const QString &text, QGraphic
     document()->setDefaultTextOption(option);
 
     setDefaultTextColor(QColor(255, 204, 102, 255));
-    QFont buttonFont = font();
-    buttonFont.setPointSize(10);
-    setFont(buttonFont);
+    setFont(panelFont(10));
 }
 
 qreal KrTextItemButton_Private::documentWidth() const

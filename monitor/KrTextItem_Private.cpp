@@ -2,10 +2,15 @@
 
 #include "monitor/OfflineTextDocument.h"
 
-#include <QFont>
 #include <QPainter>
 
 namespace PluginKrHvcP2::Private {
+
+QFont panelFont(int pointSize, int weight)
+{
+    // No literal: Qt's font cache keeps the name when this library has been unloaded.
+    return {QString::fromLatin1("Yu Gothic"), pointSize, weight};
+}
 
 KrTextItem_Private::KrTextItem_Private(const QString &text, QGraphicsItem *parent)
     : KrTextItem_Private(parent)
@@ -16,11 +21,9 @@ KrTextItem_Private::KrTextItem_Private(const QString &text, QGraphicsItem *paren
 KrTextItem_Private::KrTextItem_Private(QGraphicsItem *parent)
     : QGraphicsTextItem(parent)
 {
-    setDocument(new OfflineTextDocument(this));
-    QFont itemFont = font();
-    itemFont.setFamily(QStringLiteral("Yu Gothic"));
-    itemFont.setPointSize(11);
-    setFont(itemFont);
+    auto *document = new OfflineTextDocument(this);
+    document->setDefaultFont(panelFont(11)); // before the item has it laid out
+    setDocument(document);
     setDefaultTextColor(Qt::white);
 }
 

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QGraphicsTextItem>
 
 namespace PluginKrHvcP2::Private {
+
+/// The font of everything on the panel. Nothing of the application's font gets into it.
+QFont panelFont(int pointSize, int weight = -1);
 
 /// A text on the panel: a title, a label or a sliding message, with a background of its own.
 class KrTextItem_Private : public QGraphicsTextItem

@@ -155,6 +155,8 @@ private slots:
     void constructionOfTheTitle();
     void constructionOfTheButtons();
 
+    void applicationFontStaysOut();
+
     void itemSize_data();
     void itemSize();
     void itemSizeByTwoNumbers();
@@ -293,6 +295,45 @@ void tst_KrMovingTextItem::constructionOfTheButtons()
     QCOMPARE(actualLabels, labels);
     QCOMPARE(actualNames, names);
     QVERIFY(x > 0);
+}
+
+/// Gives the application another font while it lives.
+class ApplicationFont
+{
+public:
+    explicit ApplicationFont(const QFont &font) { QApplication::setFont(font); }
+    ~ApplicationFont() { QApplication::setFont(m_before); }
+
+private:
+    Q_DISABLE_COPY(ApplicationFont)
+
+    const QFont m_before = QApplication::font();
+};
+
+void tst_KrMovingTextItem::applicationFontStaysOut()
+{
+    QFont hostFont(QStringLiteral("Monospace"));
+    hostFont.setPixelSize(40);
+    hostFont.setBold(true);
+    hostFont.setItalic(true);
+    hostFont.setUnderline(true);
+    hostFont.setLetterSpacing(QFont::AbsoluteSpacing, 5);
+    const ApplicationFont changed(hostFont);
+    QVERIFY(QGraphicsTextItem().font().italic()); // what other items start from
+
+    KrMovingTextItem panel;
+    panel.addText(QStringLiteral("text"), 2);
+    panel.addHtml(QStringLiteral("text"), 4);
+    showNext(panel);
+    showNext(panel);
+    const QString family = QStringLiteral("Yu Gothic");
+    QCOMPARE(titleOf(panel)->font(), QFont(family, 10, QFont::Bold));
+    QCOMPARE(buttonsOf(panel).size(), 22);
+    for (const KrTextItemButton_Private *button : buttonsOf(panel))
+        QCOMPARE(button->font(), QFont(family, 10));
+    QCOMPARE(messagesOf(panel).size(), 2);
+    for (const KrTextItem_Private *message : messagesOf(panel))
+        QCOMPARE(message->font(), QFont(family, 11));
 }
 
 void tst_KrMovingTextItem::itemSize_data()
