@@ -1,71 +1,17 @@
+#include "FileAccessSpy.h"
+
 #include "monitor/KrTextItem_Private.h"
 #include "monitor/OfflineTextDocument.h"
 
 #include <QImage>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QStyleOptionGraphicsItem>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <array>
-
-#ifdef Q_OS_LINUX
-#include <sys/inotify.h>
-#include <unistd.h>
-#endif
-
 using PluginKrHvcP2::OfflineTextDocument;
 using PluginKrHvcP2::Private::KrTextItem_Private;
-
-#ifdef Q_OS_LINUX
-/// Notices every opening of a file.
-class FileAccessSpy
-{
-public:
-    static constexpr bool Watches = true;
-
-    explicit FileAccessSpy(const QString &fileName)
-        : m_queue(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
-    {
-        m_watch = ::inotify_add_watch(m_queue, qPrintable(fileName), IN_OPEN | IN_ACCESS);
-    }
-    ~FileAccessSpy()
-    {
-        if (m_queue >= 0)
-            ::close(m_queue);
-    }
-
-    bool isValid() const { return m_queue >= 0 && m_watch >= 0; }
-
-    /// True when the file was opened since the last call.
-    bool takeAccess()
-    {
-        std::array<char, 4096> events;
-        bool accessed = false;
-        while (::read(m_queue, events.data(), events.size()) > 0)
-            accessed = true;
-        return accessed;
-    }
-
-private:
-    Q_DISABLE_COPY(FileAccessSpy)
-
-    int m_queue;
-    int m_watch = -1;
-};
-#else
-/// Nothing tells there who opens a file; the tests are left with what is painted.
-class FileAccessSpy
-{
-public:
-    static constexpr bool Watches = false;
-
-    explicit FileAccessSpy(const QString & /*fileName*/) { }
-
-    bool isValid() const { return true; }
-    bool takeAccess() { return false; }
-};
-#endif
 
 class tst_OfflineTextDocument : public QObject
 {
@@ -76,6 +22,9 @@ private slots:
     void opensNoFile_data();
     void opensNoFile();
     void imageTakesNoRoom();
+    void imageKeepsTheSizeOfItsTag_data();
+    void imageKeepsTheSizeOfItsTag();
+    void imageWithOneLength();
     void keepsTheText();
     void survivesTheNextText();
 
@@ -187,6 +136,62 @@ void tst_OfflineTextDocument::imageTakesNoRoom()
 
     QCOMPARE(with.size(), without.size());
     QCOMPARE(with.idealWidth(), without.idealWidth());
+}
+
+void tst_OfflineTextDocument::imageKeepsTheSizeOfItsTag_data()
+{
+    QTest::addColumn<QString>("html"); // %1: path of the image
+
+    QTest::newRow("in a line") << QStringLiteral(
+        "<p>a<img src=\"%1\" width=\"120\" height=\"35\">b</p>");
+    QTest::newRow("beside the text")
+        << QStringLiteral("<p><img src=\"%1\" width=\"120\" height=\"35\" align=\"left\">b</p>");
+    QTest::newRow("in a table cell") << QStringLiteral(
+        "<table><tr><td><img src=\"%1\" width=\"120\" height=\"35\"></td><td>b</td></tr></table>");
+    QTest::newRow("larger than the document")
+        << QStringLiteral("<p>a<img src=\"%1\" width=\"500\" height=\"400\">b</p>");
+    QTest::newRow("a file that does not exist")
+        << QStringLiteral("<p>a<img src=\"%1.missing\" width=\"120\" height=\"35\">b</p>");
+}
+
+void tst_OfflineTextDocument::imageKeepsTheSizeOfItsTag()
+{
+    QFETCH(QString, html);
+
+    const QString path = filePath(QStringLiteral("image.png"));
+    html = html.arg(path);
+    QTextDocument usual;
+    usual.setHtml(html);
+    layOutAndPaint(&usual);
+    QTextDocument withoutSize;
+    withoutSize.setHtml(
+        QString(html).remove(QRegularExpression(QStringLiteral(" width=.* height=\"\\d+\""))));
+    layOutAndPaint(&withoutSize);
+    QVERIFY(usual.size() != withoutSize.size());
+
+    FileAccessSpy spy(path);
+    QVERIFY(spy.isValid());
+    OfflineTextDocument document;
+    document.setHtml(html);
+    layOutAndPaint(&document);
+    QCOMPARE(document.size(), usual.size());
+    QCOMPARE(document.idealWidth(), usual.idealWidth());
+    QVERIFY(!spy.takeAccess());
+}
+
+void tst_OfflineTextDocument::imageWithOneLength()
+{
+    // The other one would have to be asked of the file.
+    const auto sizeOf = [](const QString &attributes) {
+        OfflineTextDocument document;
+        document.setHtml(QStringLiteral("a<img src=\"x\" %1>b").arg(attributes));
+        return QSizeF(document.idealWidth(), document.size().height());
+    };
+    const QSizeF none = sizeOf(QString());
+    QCOMPARE(sizeOf(QStringLiteral("width=\"120\"")), none + QSizeF(120, 0));
+    const QSizeF high = sizeOf(QStringLiteral("height=\"90\""));
+    QCOMPARE(high.width(), none.width());
+    QVERIFY(high.height() >= 90);
 }
 
 void tst_OfflineTextDocument::keepsTheText()
