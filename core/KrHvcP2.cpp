@@ -12,6 +12,7 @@
 #include "monitor/SlidePath.h"
 #include "sensor/KrHvcController.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QGraphicsScene>
@@ -64,6 +65,12 @@ KrHvcP2::~KrHvcP2()
         m_controller->stop();
         delete m_controller;
         m_controller = nullptr;
+    }
+    if (QCoreApplication::instance() == nullptr) {
+        // The end of the process: items and widgets outlive their application, but their
+        // destructors need it.
+        static_cast<void>(m_gui.release());
+        return;
     }
     deleteGraphicsItem();
     deletePropertyWidget();
