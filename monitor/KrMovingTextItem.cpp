@@ -194,8 +194,9 @@ void KrMovingTextItem::addButtons()
 KrMovingTextItem::TextItem *KrMovingTextItem::createMessage() const
 {
     auto *item = new KrTextItem_Private;
-    // With the width known, the text is laid out once when it is set instead of twice.
-    item->setTextWidth(rect().width());
+    // On a page of no size nothing is laid out. The message is when it is shown, and then once; a
+    // layout has timers, which must not outlast the panel together with a pending message.
+    item->document()->setPageSize(QSizeF(0, 0));
     return item;
 }
 
@@ -206,7 +207,8 @@ void KrMovingTextItem::enqueue(TextItem *item, int direction)
         const QMutexLocker locker(&m_queueMutex);
         m_pending.append(item);
     }
-    QTimer::singleShot(1, this, &KrMovingTextItem::moveTextItem);
+    // By name: a pending timer that holds code of this library would outlast its unloading.
+    QTimer::singleShot(1, this, SLOT(moveTextItem()));
 }
 
 KrMovingTextItem::TextItem *KrMovingTextItem::takePending()
@@ -225,8 +227,7 @@ void KrMovingTextItem::enter(TextItem *item)
     }
 
     const QSizeF panel = rect().size();
-    if (item->textWidth() != panel.width()) // the same width again would cost a whole layout
-        item->setTextWidth(panel.width());
+    item->setTextWidth(panel.width());
     const SlidePath path = slidePathOf(*item, panel);
     item->setParentItem(this);
     item->setPos(path.start);

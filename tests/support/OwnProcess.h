@@ -1,7 +1,12 @@
 #pragma once
 
+#include <QString>
+
 /// Number of files and other objects of the system that this process holds open.
 int openHandles();
 
 /// Processor time that this process has used.
 double processorSeconds();
+
+/// True while the library lies in this process's memory. @p fileName is absolute.
+bool isMapped(const QString &fileName);

@@ -1,6 +1,8 @@
 #include "tests/support/OwnProcess.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 #include <ctime>
 
@@ -14,4 +16,12 @@ int openHandles()
 double processorSeconds()
 {
     return double(std::clock()) / CLOCKS_PER_SEC;
+}
+
+bool isMapped(const QString &fileName)
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (!maps.open(QIODevice::ReadOnly))
+        qFatal("the process's memory map cannot be read");
+    return maps.readAll().contains(QFile::encodeName(QFileInfo(fileName).canonicalFilePath()));
 }

@@ -1,6 +1,9 @@
 #include "tests/support/OwnProcess.h"
 
+#include <QDir>
+
 #include <cstdint>
+#include <string>
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -35,4 +38,10 @@ double processorSeconds()
         return double((std::uint64_t(time.dwHighDateTime) << 32U) | time.dwLowDateTime);
     };
     return (ticks(kernel) + ticks(user)) * unit;
+}
+
+bool isMapped(const QString &fileName)
+{
+    const std::wstring name = QDir::toNativeSeparators(fileName).toStdWString();
+    return GetModuleHandleW(name.c_str()) != nullptr;
 }
