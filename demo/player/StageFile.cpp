@@ -205,26 +205,25 @@ bool isOpening(const QJsonObject &event)
         && toLooseInteger(event.value(Type)).value_or(0) >= LinkType;
 }
 
-bool opens(const QJsonObject &event, int number)
+bool lists(const QJsonObject &event, int number)
 {
     const QJsonArray sequences = event.value(Sequences).toArray();
-    return isOpening(event)
-        && (sequences.isEmpty()
-            || std::any_of(
-                sequences.begin(), sequences.end(), [number](const QJsonValue &sequence) {
-                    return toLooseInteger(sequence) == number;
-                }));
+    return std::any_of(sequences.begin(), sequences.end(),
+        [number](const QJsonValue &sequence) { return toLooseInteger(sequence) == number; });
 }
 
-/// @p events, changed such that one of them opens sequence @p number.
+/// @p events, changed such that one of them lists and opens sequence @p number. An event without a
+/// list is not enough: it opens the first sequences, as many as the screen has valid contents.
 QJsonArray opened(QJsonArray events, int number)
 {
     int first = -1;
     for (int i = 0; i < events.size(); ++i) {
         const QJsonObject event = events.at(i).toObject();
-        if (opens(event, number))
+        if (!isOpening(event) || event.value(Sequences).toArray().isEmpty())
+            continue;
+        if (lists(event, number))
             return events;
-        if (first < 0 && isOpening(event))
+        if (first < 0)
             first = i;
     }
     if (first < 0) {

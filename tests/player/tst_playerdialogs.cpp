@@ -32,6 +32,7 @@ class tst_PlayerDialogs : public QObject
 private slots:
     void init();
     void cleanup();
+    void addedContentTakesPart_data();
     void addedContentTakesPart();
     void editedContent();
     void fullScreenIsRefused();
@@ -42,7 +43,8 @@ private slots:
     void deletedBelowADialog();
 
 private:
-    void start(int contentCount = 2);
+    void start(int contentCount = 2, const QByteArray &sequences = "[1, 2]",
+        const QString &firstGender = QStringLiteral("female"));
     QAction *action(const QString &name) const { return m_window->findChild<QAction *>(name); }
     /// Triggers a plug-in's action, which is no child of the window.
     void triggerPluginAction(const QString &objectName) const;
@@ -94,12 +96,16 @@ void tst_PlayerDialogs::cleanup()
     QCOMPARE(sensorPrograms(), QStringList());
 }
 
-/// Women and men of 20 to 39, and when more are wanted, other ages.
-void tst_PlayerDialogs::start(int contentCount)
+/// Women and men of 20 to 39, and when more are wanted, other ages. @p sequences are what the
+/// screen's only event lists.
+void tst_PlayerDialogs::start(
+    int contentCount, const QByteArray &sequences, const QString &firstGender)
 {
     QJsonArray contents;
     for (int i = 0; i < contentCount; ++i) {
-        const QString gender = i % 2 == 0 ? QStringLiteral("female") : QStringLiteral("male");
+        QString gender = i % 2 == 0 ? QStringLiteral("female") : QStringLiteral("male");
+        if (i == 0)
+            gender = firstGender;
         const int ageMin = i < 2 ? 20 : 40 + i;
         contents << QJsonObject{{QStringLiteral("type"), 8},
             {QStringLiteral("name"), QStringLiteral("Content %1").arg(i + 1)},
@@ -112,7 +118,8 @@ void tst_PlayerDialogs::start(int contentCount)
     }
     QJsonObject screen = QJsonDocument::fromJson(R"({"id": 1,
         "plugindata": {"display-monitoring": true, "interval": 100, "event-sending-limit": 0},
-        "event": [{"type": 2, "direction": 1, "seq": [1, 2]}]})")
+        "event": [{"type": 2, "direction": 1, "seq": )"
+        + sequences + "}]}")
                              .object();
     screen.insert(QStringLiteral("contents"), contents);
     const QJsonObject other = QJsonDocument::fromJson(R"({"id": 2, "name": "Door", "event": [
@@ -191,9 +198,26 @@ QStringList tst_PlayerDialogs::sensorPrograms()
     return lines;
 }
 
+void tst_PlayerDialogs::addedContentTakesPart_data()
+{
+    QTest::addColumn<QByteArray>("sequences"); // of the played screen's event
+    QTest::addColumn<QString>("firstGender");
+    QTest::addColumn<QByteArray>("savedEvents");
+
+    QTest::newRow("beside contents that an event lists") << QByteArray(
+        "[1, 2]") << "female" << QByteArray(R"([{"type": 2, "direction": 1, "seq": [1, 2, 3]}])");
+    QTest::newRow("beside an invalid content, which an event for all does not count")
+        << QByteArray("[]") << "nobody" << QByteArray(R"([{"type": 2, "direction": 1, "seq": []},
+                          {"type": 2, "direction": 1, "seq": [3]}])");
+}
+
 void tst_PlayerDialogs::addedContentTakesPart()
 {
-    start();
+    QFETCH(QByteArray, sequences);
+    QFETCH(QString, firstGender);
+    QFETCH(QByteArray, savedEvents);
+
+    start(2, sequences, firstGender);
     ModalDriver driver;
     QStringList proposals;
     driver.onDialog([&proposals](QDialog *dialog) {
@@ -235,7 +259,7 @@ void tst_PlayerDialogs::addedContentTakesPart()
             "age-min": 40, "age-max": 75, "gender": "female", "default": "false"}})json")
             .object());
     QCOMPARE(savedScreen(0).value(QLatin1String("event")).toArray(),
-        QJsonDocument::fromJson(R"([{"type": 2, "direction": 1, "seq": [1, 2, 3]}])").array());
+        QJsonDocument::fromJson(savedEvents).array());
     QCOMPARE(savedScreen(1).value(QLatin1String("event")).toArray().last().toObject(),
         QJsonDocument::fromJson(R"({"type": 2, "direction": 0, "id": 1, "screenseq": 3})")
             .object());
