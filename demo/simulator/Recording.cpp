@@ -1,14 +1,29 @@
 #include "demo/simulator/Recording.h"
 
+#include <QtNumeric>
+
 namespace Simulation {
 
 namespace {
 
-std::optional<qint64> timeStamp(const QByteArray &trimmedLine)
+// A hundred years: room for a clock's time, and far from where its nanoseconds overflow.
+constexpr qint64 MaxTimeMs = 36525 * Q_INT64_C(86400000);
+
+/// True for '@' and a number of any form and size, also for one that is no time.
+bool isTimeStamp(const QByteArray &trimmedLine)
+{
+    if (!trimmedLine.startsWith('@'))
+        return false;
+    bool ok = false;
+    const double number = trimmedLine.mid(1).toDouble(&ok);
+    return ok || qIsInf(number);
+}
+
+std::optional<qint64> stampedTime(const QByteArray &trimmedLine)
 {
     bool ok = false;
     const qint64 timeMs = trimmedLine.mid(1).toLongLong(&ok);
-    if (!trimmedLine.startsWith('@') || !ok || timeMs < 0)
+    if (!ok || timeMs < 0 || timeMs > MaxTimeMs)
         return std::nullopt;
     return timeMs;
 }
@@ -49,7 +64,11 @@ std::optional<Recording> parseRecording(const QByteArray &text, const QString &n
             return std::nullopt;
         };
         QVector<Recording::Block> &blocks = recording.blocks;
-        if (const std::optional<qint64> timeMs = timeStamp(trimmed)) {
+        if (isTimeStamp(trimmed)) {
+            const std::optional<qint64> timeMs = stampedTime(trimmed);
+            if (!timeMs)
+                return fail(QStringLiteral("the time stamp must be a whole number from 0 to %1")
+                                .arg(MaxTimeMs));
             if (blocks.isEmpty())
                 recording.timed = true;
             else if (!recording.timed)

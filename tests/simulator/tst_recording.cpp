@@ -42,8 +42,11 @@ void tst_Recording::blocks_data()
         << QByteArray("@5\nFace result count:0\nFace result count:0\n@5\nx\n@90\n")
         << QByteArrayList({"5 Face result count:0\nFace result count:0\n", "5 x\n", "90 "});
     QTest::newRow("a line that only looks like a time stamp is text")
-        << QByteArray("@\n@x\n@-5\nFace result count:0\n")
-        << QByteArrayList({"0 @\n@x\n@-5\nFace result count:0\n"});
+        << QByteArray("@\n@x\n@5 s\nFace result count:0\n")
+        << QByteArrayList({"0 @\n@x\n@5 s\nFace result count:0\n"});
+    QTest::newRow("time stamps of a clock, and the last one")
+        << QByteArray("@1700000000000\na\n@3155760000000\nb\n")
+        << QByteArrayList({"1700000000000 a\n", "3155760000000 b\n"});
 }
 
 void tst_Recording::blocks()
@@ -72,6 +75,24 @@ void tst_Recording::error_data()
     QTest::newRow("time stamps from the middle on")
         << QByteArray("x\n@6\n")
         << QStringLiteral("r:2: a time stamp in a recording that does not begin with one");
+    const auto range = [](int line) {
+        return QStringLiteral("r:%1: the time stamp must be a whole number from 0 to 3155760000000")
+            .arg(line);
+    };
+    QTest::newRow("a negative time stamp") << QByteArray("@-1\nx\n") << range(1);
+    QTest::newRow("a time stamp after the last one")
+        << QByteArray("@0\nx\n@3155760000001\nx\n") << range(3);
+    QTest::newRow("a time stamp that overflows a clock's nanoseconds")
+        << QByteArray("@0\nx\n@9300000000000\nx\n") << range(3);
+    QTest::newRow("the largest number of 64 bits")
+        << QByteArray("@9223372036854775807\n") << range(1);
+    QTest::newRow("a number beyond 64 bits") << QByteArray("@9223372036854775808\n") << range(1);
+    QTest::newRow("a number that is no double either")
+        << QByteArray("@9\nx").replace("9", QByteArray(400, '9')) << range(1);
+    QTest::newRow("a time stamp with a fraction") << QByteArray("@0.5\n") << range(1);
+    QTest::newRow("a time stamp with an exponent") << QByteArray("@1e3\n") << range(1);
+    QTest::newRow("no number") << QByteArray("@0\nx\n@nan\n") << range(3);
+    QTest::newRow("an endless time") << QByteArray("@0\nx\n@-inf\n") << range(3);
 }
 
 void tst_Recording::error()
