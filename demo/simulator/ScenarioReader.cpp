@@ -24,6 +24,7 @@ namespace {
 
 constexpr qint64 MaxMs = 86400 * qint64(1000); // a day
 constexpr int MaxPauseMs = 60 * 1000;
+constexpr int MaxEntries = 10000; // of a list
 
 /// Keeps the first thing that is wrong; everything read after it is of no use.
 class Problem
@@ -129,7 +130,11 @@ public:
         const QJsonValue value = take(key);
         if (!value.isUndefined() && !value.isArray())
             fail(key, QStringLiteral("must be a list"));
-        return value.toArray();
+        const QJsonArray list = value.toArray();
+        if (list.size() <= MaxEntries)
+            return list;
+        fail(key, QStringLiteral("must not hold more than %1 entries").arg(MaxEntries));
+        return {};
     }
 
     QVector<QByteArray> lines(const QString &key)

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 #include <cstdio>
@@ -16,6 +17,9 @@
 using namespace Simulation;
 
 namespace {
+
+constexpr int MaxScenarioMebibytes = 16;
+constexpr int MaxRecordingMebibytes = 128; // some days of one viewer
 
 enum ExitStatus { Ended = 0, BadCommandLine = 1, BadInput = 2, PortAbsent = 3 };
 
@@ -128,8 +132,26 @@ std::optional<Options> parseOptions(const QStringList &arguments)
     return options;
 }
 
-std::optional<QByteArray> readFile(const QString &name)
+/// True, and said, when \a name is a pipe, which opening may block for ever, a directory or a
+/// device.
+bool isNoFile(const QFileInfo &info)
 {
+    if (!info.exists() || info.isFile())
+        return false;
+    printError(QStringLiteral("%1: is not a file").arg(info.filePath()));
+    return true;
+}
+
+std::optional<QByteArray> readFile(const QString &name, int maxMebibytes)
+{
+    const QFileInfo info(name);
+    if (isNoFile(info))
+        return std::nullopt;
+    if (info.size() > maxMebibytes * qint64(1024 * 1024)) {
+        printError(
+            QStringLiteral("%1: is larger than %2 MiB").arg(name, QString::number(maxMebibytes)));
+        return std::nullopt;
+    }
     QFile file(name);
     if (file.open(QIODevice::ReadOnly))
         return file.readAll();
@@ -139,7 +161,7 @@ std::optional<QByteArray> readFile(const QString &name)
 
 std::optional<Recording> loadRecording(const QString &name)
 {
-    const std::optional<QByteArray> text = readFile(name);
+    const std::optional<QByteArray> text = readFile(name, MaxRecordingMebibytes);
     if (!text)
         return std::nullopt;
     QString error;
@@ -155,7 +177,8 @@ std::optional<Scenario> loadScenario(QString name)
         = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("scenario.json"));
     if (name.isEmpty() && QFile::exists(beside))
         name = beside;
-    const std::optional<QByteArray> json = name.isEmpty() ? builtInScenario() : readFile(name);
+    const std::optional<QByteArray> json
+        = name.isEmpty() ? builtInScenario() : readFile(name, MaxScenarioMebibytes);
     if (!json)
         return std::nullopt;
     QString error;
@@ -211,6 +234,8 @@ int main(int argc, char *argv[])
     settings.frames = options->frames;
 
     QFile recordFile(options->record);
+    if (isNoFile(QFileInfo(options->record)))
+        return BadInput;
     if (!options->record.isEmpty() && !recordFile.open(QIODevice::WriteOnly)) {
         printError(QStringLiteral("%1: cannot be written: %2")
                        .arg(options->record, recordFile.errorString()));

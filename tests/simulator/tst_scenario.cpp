@@ -246,6 +246,19 @@ void tst_Scenario::error_data()
     row("one piece is no piece", R"({ "faults": [{ "kind": "pieces", "pieces": 1 }] })",
         "s: faults[0].pieces: must be a whole number from 2 to 10000");
 
+    // Sizes
+    const auto manyRow = [](const char *name, const QString &json, const char *expected) {
+        const QString entries = QStringLiteral("{},").repeated(10000);
+        QTest::newRow(name) << json.arg(entries).toUtf8() << QString::fromLatin1(expected);
+    };
+    manyRow("more viewers than a list may hold", QStringLiteral(R"({ "viewers": [%1{}] })"),
+        "s: viewers: must not hold more than 10000 entries");
+    manyRow("more waypoints than a list may hold",
+        QStringLiteral(R"({ "viewers": [{ "path": [%1{}] }] })"),
+        "s: viewers[0].path: must not hold more than 10000 entries");
+    manyRow("more ports than a list may hold", QStringLiteral(R"({ "absentPorts": [%1 1] })"),
+        "s: absentPorts: must not hold more than 10000 entries");
+
     // Words and order
     row("an unknown gender", R"({ "viewers": [{ "gender": "Female" }] })",
         R"(s: viewers[0].gender: must be "male" or "female")");

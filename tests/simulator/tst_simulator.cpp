@@ -9,6 +9,10 @@
 
 #include <memory>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 using namespace Simulation;
 
 /// Runs the program as a child process, as the plug-in does.
@@ -45,6 +49,10 @@ private slots:
 
     void badInput_data();
     void badInput();
+    void noFile_data();
+    void noFile();
+    void hugeFile_data();
+    void hugeFile();
     void badCommandLine_data();
     void badCommandLine();
     void help();
@@ -418,6 +426,73 @@ void tst_Simulator::badInput()
     VERIFY_ENDED(2);
     QCOMPARE(QString::fromLocal8Bit(unixLines(m_process->readAllStandardError())),
         QStringLiteral("HvcCon.exe: ") + expected + QLatin1Char('\n'));
+    QCOMPARE(output(), QByteArray());
+}
+
+void tst_Simulator::noFile_data()
+{
+    QTest::addColumn<QString>("option"); // none: beside the program
+    QTest::addColumn<bool>("pipe"); // else a directory
+
+    for (const char *const option : {"--scenario", "--replay", "--record", ""}) {
+        const QByteArray what = *option ? option : "a scenario beside the program";
+        QTest::addRow("%s: a directory", what.constData()) << option << false;
+#ifdef Q_OS_UNIX
+        QTest::addRow("%s: a pipe without an other end", what.constData()) << option << true;
+#endif
+    }
+}
+
+void tst_Simulator::noFile()
+{
+    QFETCH(QString, option);
+    QFETCH(bool, pipe);
+
+    const QTemporaryDir dir;
+    const QString name = dir.filePath(QStringLiteral("scenario.json"));
+#ifdef Q_OS_UNIX
+    if (pipe)
+        QCOMPARE(::mkfifo(QFile::encodeName(name).constData(), 0600), 0);
+#endif
+    QVERIFY(pipe || QDir().mkdir(name));
+    if (option.isEmpty()) {
+        const QString program = dir.filePath(QFileInfo(m_process->program()).fileName());
+        QVERIFY(QFile::copy(m_process->program(), program));
+        m_process->setProgram(program);
+        start({});
+    } else {
+        start({option, name});
+    }
+    VERIFY_ENDED(2);
+    QCOMPARE(QString::fromLocal8Bit(unixLines(m_process->readAllStandardError())),
+        QStringLiteral("HvcCon.exe: %1: is not a file\n").arg(name));
+    QCOMPARE(output(), QByteArray());
+}
+
+void tst_Simulator::hugeFile_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<int>("mebibytes"); // that are allowed
+
+    QTest::newRow("a scenario") << "--scenario" << 16;
+    QTest::newRow("a recording") << "--replay" << 128;
+}
+
+void tst_Simulator::hugeFile()
+{
+    QFETCH(QString, option);
+    QFETCH(int, mebibytes);
+
+    QFile file(m_dir.filePath(QStringLiteral("huge")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(mebibytes * qint64(1024 * 1024) + 1));
+    file.close();
+    start({option, file.fileName(), QStringLiteral("--once")});
+    VERIFY_ENDED(2);
+    QVERIFY(file.remove());
+    QCOMPARE(QString::fromLocal8Bit(unixLines(m_process->readAllStandardError())),
+        QStringLiteral("HvcCon.exe: %1: is larger than %2 MiB\n")
+            .arg(file.fileName(), QString::number(mebibytes)));
     QCOMPARE(output(), QByteArray());
 }
 
