@@ -1,5 +1,6 @@
 #include "CardItem.h"
 
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImageReader>
@@ -12,6 +13,10 @@ namespace Player {
 namespace {
 
 Q_LOGGING_CATEGORY(card, "krhvcp2.player")
+
+// Most formats are read in full before they are scaled.
+constexpr qint64 MaxPictureBytes = 64 * 1024 * 1024;
+constexpr qint64 MaxPixels = 100 * 1000 * 1000;
 
 QColor whiteWithAlpha(int alpha)
 {
@@ -30,6 +35,29 @@ QFont fittingFont(const QString &text, int pixels, int weight, const QSizeF &siz
         if (height <= 8 || (needed.width() <= size.width() && needed.height() <= size.height()))
             return font;
     }
+}
+
+/// The picture, scaled to @p room; null with the reason in @p error.
+QImage readPicture(const QString &fileName, const QSize &room, QString *error)
+{
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile()) { // a pipe would block the open for ever
+        *error = CardItem::tr("is not a file");
+        return {};
+    }
+    QImageReader reader(fileName);
+    QSize scaled = info.size() <= MaxPictureBytes ? reader.size() : QSize();
+    if (info.size() > MaxPictureBytes || scaled.width() * qint64(scaled.height()) > MaxPixels) {
+        *error = CardItem::tr("is too large");
+        return {};
+    }
+    if (scaled.isValid()) {
+        scaled.scale(room, Qt::KeepAspectRatio);
+        reader.setScaledSize(scaled); // vector pictures stay sharp
+    }
+    const QImage image = reader.read();
+    *error = reader.errorString();
+    return image;
 }
 
 } // namespace
@@ -80,17 +108,11 @@ void CardItem::loadPicture(const QSizeF &size)
     m_picture = QPixmap();
     if (m_content.picture.isEmpty() || size.isEmpty())
         return;
-    QImageReader reader(m_content.picture);
     const qreal ratio = qGuiApp->devicePixelRatio();
-    QSize scaled = reader.size();
-    if (scaled.isValid()) {
-        scaled.scale((size * ratio).toSize(), Qt::KeepAspectRatio);
-        reader.setScaledSize(scaled); // vector pictures stay sharp
-    }
-    const QImage image = reader.read();
+    QString error;
+    const QImage image = readPicture(m_content.picture, (size * ratio).toSize(), &error);
     if (image.isNull()) {
-        qCWarning(card, "%s: %s", qUtf8Printable(m_content.picture),
-            qUtf8Printable(reader.errorString()));
+        qCWarning(card, "%s: %s", qUtf8Printable(m_content.picture), qUtf8Printable(error));
         m_content.picture.clear(); // said once
         return;
     }

@@ -58,7 +58,12 @@ PluginHost::~PluginHost()
 
 bool PluginHost::load(const QString &fileName)
 {
-    m_loader.setFileName(QFileInfo(fileName).absoluteFilePath());
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile()) { // a pipe would block the loader for ever
+        m_errorString = tr("The file is not a screen plug-in.");
+        return false;
+    }
+    m_loader.setFileName(info.absoluteFilePath());
     if (!m_loader.load()) {
         m_errorString = m_loader.errorString();
         return false;

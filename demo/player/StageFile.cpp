@@ -40,6 +40,9 @@ constexpr int LinkType = 2; // lowest type of an event between screens
 constexpr int Incoming = 1;
 constexpr int Outgoing = 0;
 
+constexpr int MaxBytes = 16 * 1024 * 1024; // of a file
+constexpr int MaxEntries = 1000; // of a list that the player goes through
+
 QString tr(const char *text)
 {
     return QCoreApplication::translate("Player::StageFile", text);
@@ -70,6 +73,8 @@ QString checkType(
     const QJsonObject &object, const QString &path, const QString &key, QJsonValue::Type type)
 {
     const QJsonValue value = object.value(key);
+    if (type == QJsonValue::Array && value.toArray().size() > MaxEntries)
+        return complaint(path + key, tr("must not hold more than %1 entries").arg(MaxEntries));
     if (value.isUndefined() || value.type() == type)
         return {};
     switch (type) {
@@ -274,12 +279,16 @@ std::optional<StageFile> StageFile::read(const QString &fileName, QString *error
         *error = complaint(fileName, file.errorString());
         return std::nullopt;
     }
-    return fromJson(file.readAll(), fileName, error);
+    return fromJson(file.read(MaxBytes + 1), fileName, error);
 }
 
 std::optional<StageFile> StageFile::fromJson(
     const QByteArray &json, const QString &fileName, QString *error)
 {
+    if (json.size() > MaxBytes) {
+        *error = complaint(fileName, tr("is larger than %1 MiB").arg(MaxBytes / (1024 * 1024)));
+        return std::nullopt;
+    }
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
@@ -313,17 +322,15 @@ bool StageFile::save(const QString &fileName, QString *error)
     saved.movePictures(QFileInfo(m_fileName).absolutePath());
 
     // What a plug-in has put in must not make a file that cannot be read again.
-    QString objection = checkStage(saved.m_document);
-    if (objection.isEmpty()) {
-        const QByteArray json = saved.toJson();
-        QSaveFile file(fileName);
-        if (file.open(QIODevice::WriteOnly) && file.write(json) == json.size() && file.commit()) {
-            *this = saved;
-            return true;
-        }
-        objection = file.errorString();
+    const QByteArray json = saved.toJson();
+    if (!fromJson(json, fileName, error))
+        return false;
+    QSaveFile file(fileName);
+    if (file.open(QIODevice::WriteOnly) && file.write(json) == json.size() && file.commit()) {
+        *this = saved;
+        return true;
     }
-    *error = complaint(fileName, objection);
+    *error = complaint(fileName, file.errorString());
     return false;
 }
 

@@ -74,8 +74,11 @@ Order takeOrder(const Options &options)
         break;
     }
     for (const QString &file : {options.replayFile, options.scenarioFile}) {
-        if (!file.isEmpty() && !QFileInfo(file).isFile())
-            return refuse(QStringLiteral("%1: no such file").arg(file));
+        if (file.isEmpty() || QFileInfo(file).isFile())
+            continue;
+        return refuse((QFileInfo::exists(file) ? QStringLiteral("%1: is not a file")
+                                               : QStringLiteral("%1: no such file"))
+                          .arg(file));
     }
     QString error;
     const std::optional<StageFile> stage = StageFile::read(options.stageFile, &error);
@@ -101,6 +104,9 @@ void tellSimulator(const Options &options)
 
 bool saveScreenshot(StagePlayer &player, MainWindow *window, const QString &fileName)
 {
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile()) // a pipe would block the open for ever
+        return false;
     // A picture of a message half way over another one would be hard to read.
     const QDeadlineTimer deadline(SettleTimeout);
     while (player.scene().isMoving() && !deadline.hasExpired()) {

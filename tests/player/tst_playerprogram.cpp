@@ -9,6 +9,7 @@
 
 #ifdef Q_OS_UNIX
 #include <csignal>
+#include <sys/stat.h>
 #endif
 
 /// The program as its user starts it, with a plug-in that needs no sensor.
@@ -24,6 +25,7 @@ private slots:
     void helpNeedsNoDisplay();
     void headlessLines();
     void screenshot();
+    void unwritableScreenshot_data();
     void unwritableScreenshot();
     void endedByASignal_data();
     void endedByASignal();
@@ -82,6 +84,10 @@ QString tst_PlayerProgram::withoutTimes(QString output)
 void tst_PlayerProgram::initTestCase()
 {
     QVERIFY(m_directory.isValid());
+#ifdef Q_OS_UNIX
+    const QString pipe = m_directory.filePath(QStringLiteral("pipe.png"));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+#endif
     // For the child processes: without any display, and Qt warns when it has to choose this one.
     for (const char *const variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         qunsetenv(variable);
@@ -114,6 +120,23 @@ void tst_PlayerProgram::refused_data()
     QTest::newRow("a recording that does not exist")
         << good << "--headless --stage %1/stage.json --replay %1/none.txt" << 2
         << "%1/none.txt: no such file";
+    QTest::newRow("a recording that is a directory")
+        << good << "--headless --stage %1/stage.json --replay %1" << 2 << "%1: is not a file";
+    QTest::newRow("a scenario that is a directory")
+        << good << "--headless --stage %1/stage.json --scenario %1" << 2 << "%1: is not a file";
+#ifdef Q_OS_UNIX
+    QTest::newRow("a stage file that is a pipe")
+        << good << "--headless --stage %1/pipe.png" << 2 << "%1/pipe.png: is not a file";
+    QTest::newRow("a recording that is a pipe")
+        << good << "--headless --stage %1/stage.json --replay %1/pipe.png" << 2
+        << "%1/pipe.png: is not a file";
+    QTest::newRow("a scenario that is a pipe")
+        << good << "--headless --stage %1/stage.json --scenario %1/pipe.png" << 2
+        << "%1/pipe.png: is not a file";
+    QTest::newRow("a plug-in file that is a pipe")
+        << good << "--headless --stage %1/stage.json --plugin %1/pipe.png" << 1
+        << "%1/pipe.png: The file is not a screen plug-in.";
+#endif
     QTest::newRow("a plug-in file that is of another kind")
         << good << "--headless --stage %1/stage.json --plugin %2" << 1
         << QFileInfo(QStringLiteral(PLAIN_PLUGIN)).absoluteFilePath()
@@ -206,10 +229,22 @@ void tst_PlayerProgram::screenshot()
     QVERIFY(corner.red() < 60);
 }
 
+void tst_PlayerProgram::unwritableScreenshot_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("in a directory that does not exist") << "none/shot.png";
+#ifdef Q_OS_UNIX
+    QTest::newRow("a pipe that nobody reads") << "pipe.png";
+#endif
+}
+
 void tst_PlayerProgram::unwritableScreenshot()
 {
+    QFETCH(QString, name);
+
     const QString stage = writeStage(R"({"screens": [{"id": 4}]})");
-    const QString picture = m_directory.filePath(QStringLiteral("none/shot.png"));
+    const QString picture = m_directory.filePath(name);
     const Result result = run({QStringLiteral("--headless"), QStringLiteral("--stage"), stage,
         QStringLiteral("--plugin"), QStringLiteral(FAKE_PLUGIN), QStringLiteral("--log-dir"),
         m_directory.path(), QStringLiteral("--seconds"), QStringLiteral("0"),

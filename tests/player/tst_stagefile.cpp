@@ -119,6 +119,15 @@ void tst_StageFile::refusedText_data()
         << "s.json: screen: must be a whole number";
     QTest::newRow("a screen to play that does not exist") << QByteArray(R"({"screen": 2, "screens": [{"id": 1}]})")
         << "s.json: screen: there is no screen 2";
+    const QByteArray many = QByteArray("{},").repeated(1000);
+    QTest::newRow("too many screens") << QByteArray(R"({"screens": [)" + many + "{}]}")
+        << "s.json: screens: must not hold more than 1000 entries";
+    QTest::newRow("too many contents") << QByteArray(R"({"screens": [{"id": 1, "contents": [)" + many + "{}]}]}")
+        << "s.json: screens[0].contents: must not hold more than 1000 entries";
+    QTest::newRow("too many events") << QByteArray(R"({"screens": [{"id": 1, "event": [)" + many + "{}]}]}")
+        << "s.json: screens[0].event: must not hold more than 1000 entries";
+    QTest::newRow("too large a file") << QByteArray(R"({"screens": [{"id": 1}]})").leftJustified(16 * 1024 * 1024 + 1)
+        << "s.json: is larger than 16 MiB";
     // clang-format on
 }
 
@@ -434,6 +443,8 @@ void tst_StageFile::unsaved_data()
         << "s.json"
         << "text"
         << "%1: screens[0].contents[0]: must be an object";
+    QTest::newRow("a content that would make the file too large to be read again")
+        << "s.json" << QString(16 * 1024 * 1024, QLatin1Char('x')) << "%1: is larger than 16 MiB";
 }
 
 void tst_StageFile::unsaved()

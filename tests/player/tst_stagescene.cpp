@@ -4,11 +4,16 @@
 #include "demo/player/StageView.h"
 #include "host/KrPluginGraphicsItem.h"
 
+#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 using namespace Player;
 
@@ -27,7 +32,8 @@ private slots:
     void contentsFade();
     void manySwitchesLeaveOneCard();
     void cardColourFillsTheStage();
-    void missingPictureIsSaidOnce();
+    void uselessPictureIsSaidOnce_data();
+    void uselessPictureIsSaidOnce();
     void sceneGoesWithCardsFading();
 };
 
@@ -196,14 +202,47 @@ void tst_StageScene::cardColourFillsTheStage()
     }
 }
 
-void tst_StageScene::missingPictureIsSaidOnce()
+void tst_StageScene::uselessPictureIsSaidOnce_data()
 {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("data"); // null: no such file
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("reason");
+
+    const auto row
+        = [](const char *what, const char *name, const QByteArray &data, qint64 size,
+              const char *reason) { QTest::newRow(what) << name << data << size << reason; };
+    row("it is missing", "none.png", {}, 0, "File not found");
+    row("it is a directory", ".", {}, 0, "is not a file");
+#ifdef Q_OS_UNIX
+    row("it is a pipe that nobody writes to", "pipe.png", {}, 0, "is not a file");
+#endif
+    row("it is wide beyond all measure", "wide.pbm", "P4\n30000 30000\n", 15, "is too large");
+    row("its file is", "long.pbm", "P4\n8 8\n", 64 * 1024 * 1024 + 1, "is too large");
+}
+
+void tst_StageScene::uselessPictureIsSaidOnce()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, data);
+    QFETCH(qint64, size);
+    QFETCH(QString, reason);
+
     const QTemporaryDir directory;
+#ifdef Q_OS_UNIX
+    const QString pipe = directory.filePath(QStringLiteral("pipe.png"));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+#endif
     StageContent content = makeContent(1, Qt::red);
-    content.picture = directory.filePath(QStringLiteral("none.png"));
+    content.picture = directory.filePath(name);
+    if (!data.isNull()) {
+        QFile file(content.picture);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
+        QVERIFY(file.resize(size));
+    }
     StageScene scene;
-    const QByteArray warning = content.picture.toUtf8() + ": File not found";
-    QTest::ignoreMessage(QtWarningMsg, warning.constData());
+    const QString warning = content.picture + QLatin1String(": ") + reason;
+    QTest::ignoreMessage(QtWarningMsg, qUtf8Printable(warning));
     scene.showContent(content, 1);
     scene.setStageSize({640, 360}); // a second message would fail the test below
     QCOMPARE(scene.shownNumber(), 1);
