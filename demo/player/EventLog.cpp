@@ -1,5 +1,7 @@
 #include "EventLog.h"
 
+#include "ShownText.h"
+
 #include <QColor>
 
 namespace Player {
@@ -76,6 +78,8 @@ EventLog::EventLog(QObject *parent)
 
 void EventLog::append(const PlayerEvent &event)
 {
+    PlayerEvent kept = event;
+    kept.details = shortened(event.details, MaxDetails);
     if (m_events.size() >= Limit) {
         beginRemoveRows(QModelIndex(), 0, 0);
         m_events.pop_front();
@@ -83,9 +87,9 @@ void EventLog::append(const PlayerEvent &event)
     }
     const int row = rowCount();
     beginInsertRows(QModelIndex(), row, row);
-    m_events.push_back(event);
+    m_events.push_back(kept);
     endInsertRows();
-    emit appended(event);
+    emit appended(kept);
 }
 
 int EventLog::rowCount(const QModelIndex &parent) const
@@ -108,7 +112,7 @@ QVariant EventLog::data(const QModelIndex &index, int role) const
     if (role == Qt::ForegroundRole && index.column() == TimeColumn)
         return kindColor(PlayerEvent::Player);
     if (role == Qt::ToolTipRole)
-        return event.details;
+        return plainToolTip(event.details);
     if (role != Qt::DisplayRole)
         return {};
     switch (index.column()) {

@@ -37,6 +37,7 @@ class EventLog : public QAbstractTableModel
 public:
     enum Column { TimeColumn, NameColumn, DetailsColumn, ColumnCount };
     static constexpr int Limit = 1000; ///< events kept; older ones are dropped
+    static constexpr int MaxDetails = 4000; ///< characters kept of an event's details
 
     explicit EventLog(QObject *parent = nullptr);
 

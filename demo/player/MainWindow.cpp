@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "ShownText.h"
 #include "StagePlayer.h"
 #include "StageView.h"
 #include "host/KrPluginGuiInterface.h"
@@ -79,6 +80,17 @@ QPalette darkPalette()
 QString withoutMnemonic(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+/// Opens a message box, whose text may come from a file and is no HTML; returns the answer.
+int ask(QMessageBox::Icon icon, const QString &title, const QString &text,
+    QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
+    QWidget *parent)
+{
+    QMessageBox box(icon, title, text, buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(defaultButton);
+    return box.exec();
 }
 
 QColor statusColor(int status)
@@ -232,9 +244,10 @@ void MainWindow::showFiles()
     m_files->setText(
         tr("Stage %1, screen %2")
             .arg(QFileInfo(stage.fileName()).fileName(), QString::number(m_player->screenId())));
-    m_files->setToolTip(tr("Stage: %1\nLogs: %2")
-                            .arg(QDir::toNativeSeparators(stage.fileName()),
-                                logs.isEmpty() ? tr("none") : QDir::toNativeSeparators(logs)));
+    m_files->setToolTip(
+        plainToolTip(tr("Stage: %1\nLogs: %2")
+                         .arg(QDir::toNativeSeparators(stage.fileName()),
+                             logs.isEmpty() ? tr("none") : QDir::toNativeSeparators(logs))));
 }
 
 void MainWindow::editContent(int index)
@@ -267,7 +280,8 @@ bool MainWindow::saveInto(const QString &fileName)
     QString error;
     if (m_player->save(fileName, &error))
         return true;
-    QMessageBox::critical(this, tr("Stage Not Saved"), error);
+    ask(QMessageBox::Critical, tr("Stage Not Saved"), error, QMessageBox::Ok, QMessageBox::Ok,
+        this);
     return false;
 }
 
@@ -278,10 +292,10 @@ bool MainWindow::mayClose()
     if (m_asking)
         return false;
     m_asking = true;
-    const int answer = QMessageBox::question(this, tr("Unsaved Changes"),
+    const int answer = ask(QMessageBox::Question, tr("Unsaved Changes"),
         tr("The stage \"%1\" has been changed.\nDo you want to save it?")
             .arg(m_player->stage().title()),
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save, this);
     m_asking = false;
     if (answer == QMessageBox::Save)
         return save();
@@ -414,7 +428,7 @@ void MainWindow::showCurrent()
     m_current->setText(content.number == 0
             ? tr("Nothing switched yet")
             : QStringLiteral("#%1  %2").arg(QString::number(content.number), content.name));
-    m_current->setToolTip(m_current->text());
+    m_current->setToolTip(plainToolTip(m_current->text()));
 }
 
 } // namespace Player

@@ -1,5 +1,6 @@
 #include "StageFile.h"
 
+#include "ShownText.h"
 #include "host/KrPluginKeys.h"
 
 #include <QCoreApplication>
@@ -41,6 +42,7 @@ constexpr int Incoming = 1;
 constexpr int Outgoing = 0;
 
 constexpr int MaxBytes = 16 * 1024 * 1024; // of a file
+constexpr int MaxShown = 500; // characters of a text
 constexpr int MaxEntries = 1000; // of a list that the player goes through
 
 QString tr(const char *text)
@@ -252,6 +254,11 @@ std::optional<int> linkedSequence(const QJsonObject &event, int screenId)
     return toLooseInteger(event.value(TargetSequence));
 }
 
+QString shownText(const QJsonObject &object, const QString &key)
+{
+    return shortened(object.value(key).toString(), MaxShown);
+}
+
 QColor defaultColor(int number)
 {
     static const std::array<QColor, 8> colors{QColor(0xc2, 0x41, 0x5c), QColor(0x2f, 0x6f, 0xb5),
@@ -336,7 +343,7 @@ bool StageFile::save(const QString &fileName, QString *error)
 
 QString StageFile::title() const
 {
-    const QString title = m_document.value(Title).toString();
+    const QString title = shownText(m_document, Title);
     return title.isEmpty() ? QFileInfo(m_fileName).completeBaseName() : title;
 }
 
@@ -368,7 +375,7 @@ int StageFile::defaultScreenId() const
 
 QString StageFile::screenName(int screenId) const
 {
-    return screen(screenId).value(Keys::Name).toString();
+    return shownText(screen(screenId), Keys::Name);
 }
 
 QMap<int, QVariantMap> StageFile::screens() const
@@ -455,11 +462,11 @@ QVector<StageContent> StageFile::contents(int screenId) const
         const QJsonObject card = entry.value(Card).toObject();
         StageContent content;
         content.number = contents.size() + 1;
-        content.name = entry.value(Keys::Name).toString();
+        content.name = shownText(entry, Keys::Name);
         if (content.name.isEmpty())
-            content.name = entry.value(Params).toObject().value(Keys::Name).toString();
-        content.title = card.value(Title).toString(content.name);
-        content.subtitle = card.value(Subtitle).toString();
+            content.name = shownText(entry.value(Params).toObject(), Keys::Name);
+        content.title = card.contains(Title) ? shownText(card, Title) : content.name;
+        content.subtitle = shownText(card, Subtitle);
         content.color = QColor(card.value(Color).toString());
         if (!content.color.isValid())
             content.color = defaultColor(content.number);

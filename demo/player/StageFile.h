@@ -13,7 +13,7 @@
 
 namespace Player {
 
-/// What the stage shows for one sequence.
+/// What the stage shows for one sequence. Its texts have 500 characters at most.
 struct StageContent
 {
     int number = 0; // counted from 1; 0: the card shown while nothing plays
@@ -51,13 +51,13 @@ public:
     bool save(const QString &fileName, QString *error);
 
     QString fileName() const { return m_fileName; }
-    QString title() const; ///< the file's base name when the stage has no title
+    QString title() const; ///< as it is shown; the file's base name when the stage has no title
 
     QList<int> screenIds() const; ///< in the order of the file, never empty
     bool hasScreen(int screenId) const;
     /// The stage's "screen"; else the first screen with contents; else the first one.
     int defaultScreenId() const;
-    QString screenName(int screenId) const;
+    QString screenName(int screenId) const; ///< likewise
 
     QMap<int, QVariantMap> screens() const; ///< every screen as a plug-in is told about it
 

@@ -15,6 +15,9 @@ private slots:
     void line();
     void columns();
     void oldEventsAreDropped();
+    void longDetails();
+    void toolTips_data();
+    void toolTips();
 };
 
 namespace {
@@ -107,6 +110,46 @@ void tst_EventLog::oldEventsAreDropped()
     QCOMPARE(log.rowCount(), int(EventLog::Limit));
     QCOMPARE(log.at(0).details, QStringLiteral("5"));
     QCOMPARE(log.at(EventLog::Limit - 1).details, QString::number(EventLog::Limit + 4));
+}
+
+void tst_EventLog::longDetails()
+{
+    EventLog log;
+    QString told;
+    connect(&log, &EventLog::appended, &log,
+        [&told](const PlayerEvent &event) { told = event.details; });
+    const QString most(4000, QLatin1Char('x'));
+    log.append(makeEvent(PlayerEvent::Log, {}, most));
+    QCOMPARE(log.at(0).details, most);
+
+    // The cut does not part the two halves of a character.
+    const QString face = QString::fromUtf8("\xf0\x9f\x98\x80");
+    log.append(makeEvent(PlayerEvent::Log, {}, most.left(3998) + face.repeated(500000)));
+    const QString shown = most.left(3998) + QChar(0x2026);
+    QCOMPARE(log.at(1).details, shown);
+    QCOMPARE(told, shown);
+}
+
+void tst_EventLog::toolTips_data()
+{
+    QTest::addColumn<QString>("details");
+    QTest::addColumn<QString>("toolTip");
+
+    QTest::newRow("plain text") << "#1\n2 > 1 & 1 < 2"
+                                << "#1\n2 > 1 & 1 < 2";
+    QTest::newRow("what would be laid out as a table")
+        << "#1 <table><tr><td>x"
+        << "<p>#1 &lt;table&gt;&lt;tr&gt;&lt;td&gt;x</p>";
+}
+
+void tst_EventLog::toolTips()
+{
+    QFETCH(QString, details);
+    QFETCH(QString, toolTip);
+
+    EventLog log;
+    log.append(makeEvent(PlayerEvent::Switch, {}, details));
+    QCOMPARE(log.index(0, EventLog::DetailsColumn).data(Qt::ToolTipRole).toString(), toolTip);
 }
 
 QTEST_GUILESS_MAIN(tst_EventLog)

@@ -37,6 +37,7 @@ private slots:
     void defaultScreen();
     void titles();
     void contentCards();
+    void longTexts();
     void shippedStage_data();
     void shippedStage();
 };
@@ -550,6 +551,30 @@ void tst_StageFile::contentCards()
     QCOMPARE(contents.at(2).number, 3);
     QCOMPARE(contents.at(2).name, QString());
     QVERIFY(contents.at(2).color != contents.at(0).color);
+}
+
+void tst_StageFile::longTexts()
+{
+    const QByteArray most(500, 'x');
+    const QByteArray more(1000 * 1000, 'x');
+    StageFile stage = parse(R"({"title": ")" + more + R"(", "screens": [{"id": 1, "name": ")" + more
+        + R"(", "contents": [
+            {"name": ")"
+        + more + R"(", "params": {}, "card": {"subtitle": ")" + more + R"("}},
+            {"params": {"name": ")"
+        + more + R"("}, "card": {"title": ")" + most + R"("}}]}]})");
+    const QByteArray before = stage.toJson();
+    QVERIFY(before.size() > 5 * more.size()); // the file keeps them
+
+    const QString shown = QString(499, QLatin1Char('x')) + QChar(0x2026);
+    QCOMPARE(stage.title(), shown);
+    QCOMPARE(stage.screenName(1), shown);
+    const QVector<StageContent> contents = stage.contents(1);
+    QCOMPARE(contents.at(0).name, shown);
+    QCOMPARE(contents.at(0).title, shown);
+    QCOMPARE(contents.at(0).subtitle, shown);
+    QCOMPARE(contents.at(1).name, shown);
+    QCOMPARE(contents.at(1).title, QString::fromLatin1(most));
 }
 
 void tst_StageFile::shippedStage_data()

@@ -6,6 +6,8 @@
 
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
@@ -17,6 +19,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 #include <QTreeView>
 
 #include <memory>
@@ -52,6 +55,8 @@ private slots:
     void closing_data();
     void closing();
     void closingBelowADialog();
+    void textsThatCannotBeLaidOut_data();
+    void textsThatCannotBeLaidOut();
 
 private:
     StageFile editableStage() const; // two contents, the second is switched to
@@ -674,6 +679,70 @@ void tst_StagePlayer::closingBelowADialog()
     QCOMPARE(QApplication::exec(), 0);
     player.end();
     QCOMPARE(player.host().status(), 0);
+}
+
+void tst_StagePlayer::textsThatCannotBeLaidOut_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("a megabyte of words") << QStringLiteral("word ").repeated(200 * 1000);
+    QTest::newRow("a megabyte of lines") << QStringLiteral("word\n").repeated(200 * 1000);
+    // Each table doubles the time.
+    QTest::newRow("nested tables") << QStringLiteral("<table><tr><td>").repeated(30);
+}
+
+void tst_StagePlayer::textsThatCannotBeLaidOut()
+{
+    QFETCH(QString, text);
+
+    const QJsonObject content{{QStringLiteral("name"), text},
+        {QStringLiteral("params"), QJsonObject()},
+        {QStringLiteral("card"),
+            QJsonObject{{QStringLiteral("title"), text}, {QStringLiteral("subtitle"), text}}}};
+    const QJsonObject screen{{QStringLiteral("id"), 5}, {QStringLiteral("name"), text},
+        {QStringLiteral("plugindata"),
+            QJsonObject{
+                {QStringLiteral("gui"), true}, {QStringLiteral("switches"), QJsonArray{1}}}},
+        {QStringLiteral("contents"), QJsonArray{content, content}}};
+    const QJsonObject stage{
+        {QStringLiteral("title"), text}, {QStringLiteral("screens"), QJsonArray{screen}}};
+    QString error;
+    const std::optional<StageFile> file = StageFile::fromJson(
+        QJsonDocument(stage).toJson(), m_directory->filePath(QStringLiteral("s.json")), &error);
+    QVERIFY2(file, qUtf8Printable(error));
+
+    QElapsedTimer timer;
+    timer.start();
+    StagePlayer player(*file, 5);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    window.showPluginInformation();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCOMPARE(window.grab().isNull(), false);
+
+    // Whatever shows the texts when the mouse rests on it
+    QToolTip::showText(QPoint(), window.findChild<QLabel *>(QStringLiteral("current"))->toolTip());
+    for (int row = 0; row < player.log().rowCount(); ++row) {
+        const QModelIndex index = player.log().index(row, EventLog::DetailsColumn);
+        QToolTip::showText(QPoint(), index.data(Qt::ToolTipRole).toString());
+    }
+    QToolTip::hideText();
+
+    // The question and the complaint about the stage
+    setInterval(player, 500);
+    QTRY_VERIFY(window.isWindowModified());
+    QVERIFY(m_directory->remove());
+    GuiTest::ModalDriver driver;
+    driver.onBox([](QDialog *dialog) {
+        auto *const box = qobject_cast<QMessageBox *>(dialog);
+        QTest::mouseClick(box->button(QMessageBox::Save), Qt::LeftButton);
+    });
+    driver.confirmBox();
+    QVERIFY(!window.close());
+    QCOMPARE(driver.failures(), QString());
+    player.end();
+    QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
 }
 
 QTEST_MAIN(tst_StagePlayer)
