@@ -25,6 +25,15 @@ constexpr char StopKey[] = " ";
 
 quint32 receivedChunks = 0; // for the trace only
 
+/// To start a QProcess itself, Qt on Linux makes a quicker system call than for a class derived
+/// from it, and does not see it fail: the process stays "starting" with the id -1, which to end
+/// means to end every process of the user, and watches a descriptor that may be anybody's.
+class SensorProcess : public QProcess
+{
+public:
+    using QProcess::QProcess;
+};
+
 } // namespace
 
 /// The process's functions and signals that are on the stack now. Their receivers run host code and
@@ -257,7 +266,7 @@ bool KrHvcController::detach(QProcess *process)
 // clang-format off
 QProcess *KrHvcController::createProcess()
 {
-    auto *process = new QProcess(this);
+    auto *process = new SensorProcess(this);
     bool ok = connect(process, SIGNAL(readyReadStandardOutput()),
                       this, SLOT(onReadyReadStandardOutput()));
     ok = connect(process, SIGNAL(readyReadStandardError()),
