@@ -6,7 +6,7 @@
 #include <QLoggingCategory>
 #include <QMutexLocker>
 #include <QPointer>
-#include <QTimer>
+#include <QTimerEvent>
 #include <QVector>
 
 #include <utility>
@@ -106,11 +106,10 @@ void KrHvcController::stop()
     }
 
     QProcess *const process = std::exchange(m_process, nullptr);
+    if (process->state() != QProcess::NotRunning)
+        schedule(m_restartTimer, RestartDelayMs); // its end will not arrive here
     if (detach(process))
         process->deleteLater();
-    // A receiver that called start() in the wait found the process still running.
-    if (!isStopRequested())
-        QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
     emit stopped();
 }
 
@@ -178,7 +177,7 @@ void KrHvcController::onProcessStateChanged(QProcess::ProcessState state)
 
     switch (state) {
     case QProcess::NotRunning:
-        QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
+        schedule(m_restartTimer, RestartDelayMs);
         break;
     case QProcess::Running:
         emit started();
@@ -192,7 +191,7 @@ void KrHvcController::killAndStartProcess()
 {
     for (const ProcessList::ProcessId id : ProcessList::find(ProgramName))
         ProcessList::end(id, ProgramName); // one that survives is found again
-    QTimer::singleShot(AfterKillDelayMs, this, SLOT(startProcess()));
+    schedule(m_afterKillTimer, AfterKillDelayMs);
 }
 
 void KrHvcController::startProcess()
@@ -216,7 +215,7 @@ void KrHvcController::startProcess()
     }
 
     if (!ProcessList::find(ProgramName).empty()) {
-        QTimer::singleShot(StaleCopyDelayMs, this, SLOT(killAndStartProcess()));
+        schedule(m_staleCopyTimer, StaleCopyDelayMs);
         m_startInProgress = false;
         return;
     }
@@ -225,6 +224,7 @@ void KrHvcController::startProcess()
     const QStringList arguments{
         QString::number(m_port), QString::number(m_speed), QString::number(m_interval)};
     m_process = createProcess();
+    forgetSchedule(); // a look for copies would find this process
 
     // Where a failure is reported from within start(), its receivers may delete this.
     const QPointer<KrHvcController> self(this);
@@ -233,8 +233,27 @@ void KrHvcController::startProcess()
     if (!self)
         return;
     m_startInProgress = false;
-    if (std::exchange(m_startMissed, false))
-        QTimer::singleShot(RestartDelayMs, this, SLOT(startProcess()));
+    const bool startMissed = std::exchange(m_startMissed, false);
+    const bool letGo = m_process == nullptr && startMissed; // stopped, and started again
+    // Not every failure is a change of state; one that is has scheduled this already.
+    const bool failed = m_process != nullptr && m_process->state() == QProcess::NotRunning;
+    if (letGo || failed)
+        schedule(m_restartTimer, RestartDelayMs);
+}
+
+void KrHvcController::timerEvent(QTimerEvent *event)
+{
+    const int id = event->timerId();
+    if (id == m_staleCopyTimer.timerId()) {
+        m_staleCopyTimer.stop();
+        killAndStartProcess();
+    } else if (id == m_restartTimer.timerId()) {
+        m_restartTimer.stop();
+        startProcess();
+    } else if (id == m_afterKillTimer.timerId()) {
+        m_afterKillTimer.stop();
+        startProcess();
+    }
 }
 
 bool KrHvcController::isStopRequested()
@@ -260,6 +279,19 @@ bool KrHvcController::detach(QProcess *process)
     process->kill();
     m_signalStack->retired.append(process);
     return false;
+}
+
+/// What is scheduled already stays as it is.
+void KrHvcController::schedule(QBasicTimer &timer, int delayMs)
+{
+    if (!timer.isActive())
+        timer.start(delayMs, this);
+}
+
+void KrHvcController::forgetSchedule()
+{
+    for (QBasicTimer *timer : {&m_restartTimer, &m_staleCopyTimer, &m_afterKillTimer})
+        timer->stop();
 }
 
 // Blanks within SIGNAL and SLOT would not be the normalised form.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBasicTimer>
 #include <QMutex>
 #include <QObject>
 #include <QProcess>
@@ -55,6 +56,9 @@ private slots:
     void killAndStartProcess();
     void startProcess();
 
+protected:
+    void timerEvent(QTimerEvent *event) override;
+
 private:
     struct SignalStack;
     class SignalScope;
@@ -63,12 +67,17 @@ private:
     void setStopRequested(bool stopRequested);
     bool detach(QProcess *process);
     QProcess *createProcess();
+    void schedule(QBasicTimer &timer, int delayMs);
+    void forgetSchedule();
 
     QProcess *m_process = nullptr; // child of this
     const QString m_directory;
     bool m_stopRequested = false;
     bool m_startInProgress = false;
     bool m_startMissed = false; // one was asked for while another was in progress
+    QBasicTimer m_restartTimer; // after the end of a process
+    QBasicTimer m_staleCopyTimer; // before the copies that were found are ended
+    QBasicTimer m_afterKillTimer; // after they were
     QMutex m_stateMutex; // guards m_stopRequested
     QMutex m_spareMutex; // reserved; nothing locks it
     int m_interval = 500;

@@ -3,6 +3,12 @@
 #include <QProcess>
 #include <QtTest>
 
+#include <memory>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
+
 using PluginKrHvcP2::KrHvcController;
 
 namespace {
@@ -11,6 +17,26 @@ namespace {
 constexpr int Restart = 5000 - 250;
 constexpr int StaleRestart = 5100 - 250;
 constexpr int Late = 3000;
+
+#ifdef Q_OS_UNIX
+/// While there is one, no file can be opened and no pipe made.
+class NoMoreFiles
+{
+public:
+    NoMoreFiles()
+    {
+        ::getrlimit(RLIMIT_NOFILE, &m_limit);
+        rlimit none = m_limit;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &m_limit); }
+    Q_DISABLE_COPY(NoMoreFiles)
+
+private:
+    rlimit m_limit = {};
+};
+#endif
 
 } // namespace
 
@@ -23,7 +49,13 @@ private slots:
     void init();
 
     void restarts();
+    void failedStartsRestartOnce_data();
+    void failedStartsRestartOnce();
+    void startDuringAStartIsNoRestart();
     void staleCopies();
+    void severalStartsBesideACopy();
+    void stopStartStart();
+    void endOfAStoppedProgramStartsAnother();
     void nothingStartsAfterStop();
     void stopAndStart_data();
     void stopAndStart();
@@ -65,6 +97,69 @@ void tst_KrHvcControllerTiming::restarts()
     QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
 }
 
+void tst_KrHvcControllerTiming::failedStartsRestartOnce_data()
+{
+    QTest::addColumn<bool>("withoutFiles"); // no pipe to the program can be made
+    QTest::addColumn<int>("starts"); // each fails
+    QTest::addColumn<bool>("startInError"); // the receiver of the first one starts again
+
+    QTest::newRow("no such program, started three times") << false << 3 << false;
+#ifdef Q_OS_UNIX // there is no such limit elsewhere
+    QTest::newRow("no more files") << true << 1 << false;
+    QTest::newRow("no more files, started again during the start") << true << 1 << true;
+#endif
+}
+
+void tst_KrHvcControllerTiming::failedStartsRestartOnce()
+{
+    QFETCH(const bool, withoutFiles);
+    QFETCH(const int, starts);
+    QFETCH(const bool, startInError);
+
+    const SensorDirectory directory;
+    const WatchedController watched(directory.path());
+    const auto start = [&] {
+#ifdef Q_OS_UNIX
+        const auto limit = withoutFiles ? std::make_unique<NoMoreFiles>() : nullptr;
+#else
+        Q_UNUSED(withoutFiles)
+#endif
+        watched->start();
+    };
+    connect(watched.controller, &KrHvcController::errorOccured, watched.controller, [&] {
+        if (startInError && watched.log.size() == 1)
+            watched->start();
+    });
+
+    QStringList log;
+    for (int i = 0; i < starts; ++i) {
+        start();
+        log << ErrorStart + QLatin1String("Failed to start.");
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+        QTest::qWait(300);
+    }
+    log << log.first();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    const qint64 delay = watched.times.at(starts) - watched.times.at(starts - 1);
+    QVERIFY2(delay >= Restart && delay <= Restart + Late, QByteArray::number(delay).constData());
+    QTest::qWait(1500);
+    QCOMPARE(watched.log, log);
+}
+
+void tst_KrHvcControllerTiming::startDuringAStartIsNoRestart()
+{
+    // Where Qt says so within the start that the program runs, this comes within the start, too.
+    const SensorDirectory directory;
+    QVERIFY(directory.install("sleep 3000"));
+    const WatchedController watched(directory.path());
+    connect(watched.controller, &KrHvcController::started, watched.controller,
+        [&watched] { watched->start(); });
+    watched->start();
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
+    const qint64 delay = watched.times.at(1) - watched.times.at(0);
+    QVERIFY2(delay >= 3000 + Restart, QByteArray::number(delay).constData()); // after its end
+}
+
 void tst_KrHvcControllerTiming::staleCopies()
 {
     // Two programs in odd letter case that somebody else has started.
@@ -104,6 +199,91 @@ void tst_KrHvcControllerTiming::staleCopies()
     const qint64 started = watched.times.at(0);
     QVERIFY2(started >= StaleRestart, QByteArray::number(started).constData());
     QCOMPARE(directory.startedCopies().size(), 1);
+    QCOMPARE(directory.livingCopies().size(), 1);
+}
+
+void tst_KrHvcControllerTiming::severalStartsBesideACopy()
+{
+    const SensorDirectory elsewhere;
+    QVERIFY(elsewhere.install(StandIn::IgnoresEverything));
+    QProcess copy;
+    copy.start(elsewhere.filePath(QStringLiteral("HvcCon.exe")), QStringList());
+    QVERIFY(copy.waitForReadyRead(Patience));
+
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    const WatchedController watched(directory.path());
+    for (int i = 0; i < 3; ++i) {
+        watched->start();
+        QTest::qWait(500);
+    }
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QVERIFY(watched.times.at(0) >= StaleRestart);
+    QCOMPARE(copy.state(), QProcess::NotRunning);
+
+    // Only the first start has led to a look for copies: none finds the program itself.
+    QTest::qWait(2000);
+    QCOMPARE(watched.log, log);
+    QCOMPARE(directory.livingCopies().size(), 1);
+}
+
+void tst_KrHvcControllerTiming::stopStartStart()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::IgnoresEverything));
+    const WatchedController watched(directory.path());
+    watched->start();
+    const QStringList running{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, running, Patience);
+
+    // The second start finds the old program, the third does not: there is no copy left to end.
+    watched->stop();
+    watched->start();
+    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    watched->start();
+    const QStringList log = running + QStringList(QStringLiteral("stopped")) + running;
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    QTest::qWait(5000 + 1000);
+    QCOMPARE(watched.log, log);
+    QCOMPARE(directory.livingCopies().size(), 1);
+    QCOMPARE(directory.startedCopies().size(), 2);
+}
+
+void tst_KrHvcControllerTiming::endOfAStoppedProgramStartsAnother()
+{
+    const SensorDirectory directory;
+    QVERIFY(directory.install(StandIn::EndsOnKey));
+    WatchedController watched(directory.path());
+    watched->start();
+    const QStringList log{QStringLiteral("started"), QStringLiteral("data: ready")};
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    const SensorDirectory elsewhere;
+    QVERIFY(elsewhere.install(StandIn::IgnoresEverything));
+    QProcess copy;
+    copy.start(elsewhere.filePath(QStringLiteral("HvcCon.exe")), QStringList());
+    QVERIFY(copy.waitForReadyRead(Patience));
+
+    watched->stop();
+    const qint64 stopped = watched.elapsed();
+    QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
+    watched.log.clear();
+    watched.times.clear();
+
+    // The start in between finds a copy, which then ends by itself.
+    QTest::qWait(2500);
+    watched->start();
+    const qint64 refused = watched.elapsed();
+    copy.kill();
+    QVERIFY(copy.waitForFinished(Patience));
+    QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
+    const qint64 started = watched.times.at(0);
+    QVERIFY2(started - stopped >= Restart, QByteArray::number(started - stopped).constData());
+    QVERIFY2(started - refused < Restart, QByteArray::number(started - refused).constData());
+
+    // Nor does the look for copies, no longer needed, find the program itself.
+    QTest::qWait(5000);
+    QCOMPARE(watched.log, log);
     QCOMPARE(directory.livingCopies().size(), 1);
 }
 
