@@ -117,6 +117,8 @@ std::vector<ProcessId> find(const std::string &fileName)
 
 bool end(ProcessId id, const std::string &fileName)
 {
+    if (id == static_cast<ProcessId>(::getpid()))
+        return false;
 #ifdef SYS_pidfd_open
     // A descriptor stays with its process, so nothing can slip in between test and signal.
     const FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <optional>
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -44,34 +45,44 @@ bool equalsIgnoringCase(const std::wstring &a, const std::string &b)
     });
 }
 
+/// What find() gives; nothing when the system's list cannot be read.
+std::optional<std::vector<ProcessId>> tryFind(const std::string &fileName)
+{
+    const Handle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    if (!snapshot.isValid() || Process32FirstW(snapshot.get(), &entry) == FALSE)
+        return std::nullopt;
+
+    std::vector<ProcessId> ids;
+    do {
+        if (entry.th32ProcessID != GetCurrentProcessId()
+            && equalsIgnoringCase(entry.szExeFile, fileName))
+            ids.push_back(entry.th32ProcessID);
+    } while (Process32NextW(snapshot.get(), &entry) != FALSE);
+    return ids;
+}
+
 } // namespace
 
 std::vector<ProcessId> find(const std::string &fileName)
 {
-    std::vector<ProcessId> ids;
-    const Handle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    if (!snapshot.isValid())
-        return ids;
-
-    PROCESSENTRY32W entry = {};
-    entry.dwSize = sizeof(entry);
-    for (BOOL more = Process32FirstW(snapshot.get(), &entry); more != FALSE;
-         more = Process32NextW(snapshot.get(), &entry)) {
-        if (equalsIgnoringCase(entry.szExeFile, fileName))
-            ids.push_back(entry.th32ProcessID);
-    }
-    return ids;
+    return tryFind(fileName).value_or(std::vector<ProcessId>());
 }
 
 bool end(ProcessId id, const std::string &fileName)
 {
+    if (id == GetCurrentProcessId())
+        return false;
     const Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
     if (!process.isValid())
         return false;
-    // While the handle is open the id cannot be given to another process.
-    const std::vector<ProcessId> ids = find(fileName);
-    return std::find(ids.begin(), ids.end(), id) != ids.end()
-        && TerminateProcess(process.get(), static_cast<UINT>(-1)) != FALSE;
+    // While the handle is open the id cannot be given to another process. Where the list cannot be
+    // read any more, it is that of a moment ago that counts.
+    const auto ids = tryFind(fileName);
+    if (ids && std::find(ids->begin(), ids->end(), id) == ids->end())
+        return false;
+    return TerminateProcess(process.get(), static_cast<UINT>(-1)) != FALSE;
 }
 
 } // namespace PluginKrHvcP2::ProcessList

@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 using namespace PluginKrHvcP2;
 
 class tst_ProcessList : public QObject
@@ -15,6 +17,7 @@ private slots:
     void everyCopyCounts();
     void copiesOfOtherDirectoriesCount();
     void namesOfOtherLettersDoNotDisturb();
+    void ownProcessDoesNotCount();
     void endedProcessesDoNotCount();
     void findingLeavesNothingOpen();
 
@@ -110,6 +113,14 @@ void tst_ProcessList::namesOfOtherLettersDoNotDisturb()
     QVERIFY(process != nullptr);
     QVERIFY(programs.run(programs.copyOfProgram(QString::fromUtf8("\u00fc\u0130.exe"))));
     QCOMPARE(programs.found(), Ids{idOf(process)});
+}
+
+void tst_ProcessList::ownProcessDoesNotCount()
+{
+    const QString ownProgram = QCoreApplication::applicationFilePath();
+    const auto ids = ProcessList::find(QFileInfo(ownProgram).fileName().toStdString());
+    const auto ownId = static_cast<ProcessId>(QCoreApplication::applicationPid());
+    QCOMPARE(std::count(ids.begin(), ids.end(), ownId), 0);
 }
 
 void tst_ProcessList::endedProcessesDoNotCount()

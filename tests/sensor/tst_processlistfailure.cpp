@@ -74,10 +74,12 @@ class tst_ProcessListFailure : public QObject
     Q_OBJECT
 
 private slots:
-    void nothingIsFoundNorEnded();
+    void nothingIsFound();
+    void endingWithoutTheList();
+    void ownProcessIsNotEnded();
 };
 
-void tst_ProcessListFailure::nothingIsFoundNorEnded()
+void tst_ProcessListFailure::nothingIsFound()
 {
     NamedPrograms programs;
     QProcess *process = programs.run(programs.copyOfProgram(programs.fileName()));
@@ -86,19 +88,45 @@ void tst_ProcessListFailure::nothingIsFoundNorEnded()
     QCOMPARE(programs.found(), Ids{id});
 
     Ids found;
-    bool ended = false;
     {
         const UnreadableProcessList list;
         found = programs.found();
-        ended = ProcessList::end(id, programs.name);
     }
     QCOMPARE(found, Ids());
+    QCOMPARE(programs.found(), Ids{id});
+}
+
+void tst_ProcessListFailure::endingWithoutTheList()
+{
+    NamedPrograms programs;
+    QProcess *process = programs.run(programs.copyOfProgram(programs.fileName()));
+    QVERIFY(process != nullptr);
+    const ProcessId id = idOf(process);
+
+    bool ended = false;
+    {
+        const UnreadableProcessList list;
+        ended = ProcessList::end(id, programs.name);
+    }
+#ifdef Q_OS_WIN
+    QVERIFY(ended);
+#else
     QVERIFY(!ended); // it could be another program by now
     QVERIFY(!process->waitForFinished(50));
-
-    QCOMPARE(programs.found(), Ids{id});
     QVERIFY(ProcessList::end(id, programs.name));
+#endif
     QVERIFY(process->waitForFinished());
+    QCOMPARE(programs.found(), Ids());
+}
+
+void tst_ProcessListFailure::ownProcessIsNotEnded()
+{
+    const auto ownId = static_cast<ProcessId>(QCoreApplication::applicationPid());
+    const std::string ownName
+        = QFileInfo(QCoreApplication::applicationFilePath()).fileName().toStdString();
+    QVERIFY(!ProcessList::end(ownId, ownName));
+    const UnreadableProcessList list;
+    QVERIFY(!ProcessList::end(ownId, ownName));
 }
 
 QTEST_GUILESS_MAIN(tst_ProcessListFailure)
