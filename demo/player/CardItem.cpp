@@ -15,8 +15,8 @@ namespace {
 Q_LOGGING_CATEGORY(card, "krhvcp2.player")
 
 // Most formats are read in full before they are scaled.
-constexpr qint64 MaxPictureBytes = 64 * 1024 * 1024;
-constexpr qint64 MaxPixels = 100 * 1000 * 1000;
+constexpr int MaxPictureBytes = 64 * 1024 * 1024;
+constexpr int MaxPixels = 100 * 1000 * 1000;
 
 QColor whiteWithAlpha(int alpha)
 {
@@ -55,7 +55,7 @@ QImage readPicture(const QString &fileName, const QSize &room, QString *error)
         scaled.scale(room, Qt::KeepAspectRatio);
         reader.setScaledSize(scaled); // vector pictures stay sharp
     }
-    const QImage image = reader.read();
+    QImage image = reader.read();
     *error = reader.errorString();
     return image;
 }

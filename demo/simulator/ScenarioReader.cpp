@@ -130,7 +130,7 @@ public:
         const QJsonValue value = take(key);
         if (!value.isUndefined() && !value.isArray())
             fail(key, QStringLiteral("must be a list"));
-        const QJsonArray list = value.toArray();
+        QJsonArray list = value.toArray();
         if (list.size() <= MaxEntries)
             return list;
         fail(key, QStringLiteral("must not hold more than %1 entries").arg(MaxEntries));
