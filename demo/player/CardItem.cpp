@@ -40,20 +40,22 @@ QFont fittingFont(const QString &text, int pixels, int weight, const QSizeF &siz
 /// The picture, scaled to @p room; null with the reason in @p error.
 QImage readPicture(const QString &fileName, const QSize &room, QString *error)
 {
+    const auto refuse = [error](const QString &reason) {
+        *error = reason;
+        return QImage();
+    };
     const QFileInfo info(fileName);
-    if (info.exists() && !info.isFile()) { // a pipe would block the open for ever
-        *error = CardItem::tr("is not a file");
-        return {};
-    }
+    if (info.exists() && !info.isFile()) // a pipe would block the open for ever
+        return refuse(CardItem::tr("is not a file"));
+    if (info.size() > MaxPictureBytes)
+        return refuse(CardItem::tr("is too large"));
     QImageReader reader(fileName);
-    QSize scaled = info.size() <= MaxPictureBytes ? reader.size() : QSize();
-    if (info.size() > MaxPictureBytes || scaled.width() * qint64(scaled.height()) > MaxPixels) {
-        *error = CardItem::tr("is too large");
-        return {};
-    }
-    if (scaled.isValid()) {
-        scaled.scale(room, Qt::KeepAspectRatio);
-        reader.setScaledSize(scaled); // vector pictures stay sharp
+    QSize size = reader.size();
+    if (size.width() * qint64(size.height()) > MaxPixels)
+        return refuse(CardItem::tr("is too large"));
+    if (size.isValid()) {
+        size.scale(room, Qt::KeepAspectRatio);
+        reader.setScaledSize(size); // vector pictures stay sharp
     }
     QImage image = reader.read();
     *error = reader.errorString();
