@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the scripts beside it: makes sure that Debian packages are there.
 
 # require_packages PACKAGE...: installs what is missing, or says what to install and stops.
@@ -29,6 +30,7 @@ require_packages() {
 }
 
 # What every build needs; libqt5svg5 brings Qt's reader for the plug-in's icon.
+# shellcheck disable=SC2034 # for those that source this
 build_packages=(
     cmake ninja-build g++ qtbase5-dev libqt5svg5-dev libqt5svg5 fonts-dejavu-core
 )
