@@ -52,3 +52,7 @@ if(KRHVC_SANITIZERS)
     )
     target_link_options(krhvc_warnings INTERFACE -fsanitize=${KRHVC_SANITIZERS})
 endif()
+
+if(KRHVC_FUZZERS)
+    target_compile_options(krhvc_warnings INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -2,6 +2,7 @@
 
 #include "core/SensorIni.h"
 #include "detection/Determination.h"
+#include "detection/LayoutBound.h"
 #include "detection/SensorOutputParser.h"
 #include "gui/KrHvcGui.h"
 #include "host/KrPluginKeys.h"
@@ -421,12 +422,7 @@ void KrHvcP2::setLogSetting(const QString &directory)
 void KrHvcP2::onDataReceived(const QString &data)
 {
     const SensorFrame frame = SensorOutputParser::parse(data, QDateTime::currentDateTime());
-    if (KrMovingTextItem *item = panel())
-        item->addHtml(frame.html, StatusDirection);
-
-    m_reportDocument->clear();
-    m_reportDocument->setHtml(frame.html);
-    const QString report = m_reportDocument->toPlainText();
+    const QString report = showReport(data, frame);
 
     if (frame.hasRows)
         ++m_newestFrame;
@@ -540,6 +536,23 @@ void KrHvcP2::showLine(const QString &text) const
 {
     if (KrMovingTextItem *item = panel())
         item->addText(text, StatusDirection);
+}
+
+QString KrHvcP2::showReport(const QString &chunk, const SensorFrame &frame) const
+{
+    KrMovingTextItem *item = panel();
+    if (!isLayoutBounded(frame)) {
+        QString text = SensorOutputParser::plainText(chunk);
+        if (item != nullptr)
+            item->addText(boundedPlainText(text), StatusDirection);
+        return text;
+    }
+
+    if (item != nullptr)
+        item->addHtml(frame.html, StatusDirection);
+    m_reportDocument->clear();
+    m_reportDocument->setHtml(frame.html);
+    return m_reportDocument->toPlainText();
 }
 
 // Blanks within SIGNAL and SLOT would not be the normalised form.

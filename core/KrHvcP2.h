@@ -22,6 +22,7 @@ class KrHvcController;
 class KrHvcGui;
 class KrMovingTextItem;
 class OwnedMutex;
+struct SensorFrame;
 
 // moc answers for a base class under the name that the class head gives it, and hosts ask for the
 // unqualified one.
@@ -128,6 +129,8 @@ private:
 
     KrMovingTextItem *panel() const;
     void showLine(const QString &text) const;
+    /// Shows @p frame, read from @p chunk, on the panel; returns its text for the log.
+    QString showReport(const QString &chunk, const SensorFrame &frame) const;
     void createController();
     void createGui();
     void deleteGraphicsItem();

@@ -57,6 +57,11 @@ QString confidenceText(int confidence)
     return QStringLiteral("Confidence:") + QString::number(confidence) + QLatin1Char(' ');
 }
 
+bool isEndPrompt(const QStringRef &line)
+{
+    return line.startsWith(QLatin1String("Press Space Key to end:"), Qt::CaseInsensitive);
+}
+
 } // namespace
 
 SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &time)
@@ -72,19 +77,35 @@ SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &tim
     return parser.m_frame;
 }
 
+QString SensorOutputParser::plainText(const QString &chunk)
+{
+    QString text;
+    const QVector<QStringRef> lines = split(QStringRef(&chunk), '\n');
+    for (const QStringRef &line : lines) {
+        const QStringRef trimmed = line.trimmed();
+        if (isEndPrompt(line) || trimmed.isEmpty())
+            continue;
+        if (!text.isEmpty())
+            text += QLatin1Char('\n');
+        text += trimmed;
+    }
+    return text;
+}
+
 SensorOutputParser::SensorOutputParser(const QDateTime &time)
     : m_time(time)
 { }
 
 void SensorOutputParser::parseLine(const QStringRef &line)
 {
-    if (line.startsWith(QLatin1String("Press Space Key to end:"), Qt::CaseInsensitive)) {
+    if (isEndPrompt(line)) {
         m_face.reset();
         return;
     }
 
     const QStringRef trimmed = line.trimmed();
     m_frame.hasRows = true;
+    const int rowStart = m_frame.html.size();
     m_frame.html += QLatin1String("<tr>");
     bool closesFace = false;
     if (trimmed.contains(QLatin1String("Failed "), Qt::CaseInsensitive)) {
@@ -96,6 +117,8 @@ void SensorOutputParser::parseLine(const QStringRef &line)
         closesFace = trimmed.startsWith(QLatin1String("Gender"));
     }
     m_frame.html += QLatin1String("</tr>");
+    if (trimmed.contains(QLatin1Char('<')))
+        m_frame.markup += m_frame.html.midRef(rowStart);
     if (closesFace)
         closeFace();
 }

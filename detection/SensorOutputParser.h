@@ -17,6 +17,7 @@ struct SensorFrame
     QVector<int> directionValues; ///< of the faces, in the same order
     QString html; ///< a table with a row for each line; the program's text goes in unescaped
     bool hasRows = false; ///< there was a line that is not just an end prompt
+    QString markup; ///< those rows of it that are made of lines with a '<'
     bool errorSeen = false; ///< the program reported a failure
     bool noFace = false; ///< the program counted no face
 };
@@ -31,6 +32,9 @@ class SensorOutputParser
 public:
     /// @p time becomes the time of the faces.
     static SensorFrame parse(const QString &chunk, const QDateTime &time);
+
+    /// The lines of @p chunk that parse() makes rows of, trimmed; empty ones are left out.
+    static QString plainText(const QString &chunk);
 
 private:
     explicit SensorOutputParser(const QDateTime &time);

@@ -206,6 +206,9 @@ private slots:
     void frame();
     void report_data();
     void report();
+    void unboundedMarkup_data();
+    void unboundedMarkup();
+    void longWord();
     void aFaceCutInTwoIsLost();
     void resultsByName_data();
     void resultsByName();
@@ -537,6 +540,63 @@ void tst_Requests::report()
     QCOMPARE(plugin.log(), log);
     QTRY_COMPARE(panel.statusHtml(), QStringList({rendered(table(expectedRows))}));
     QCOMPARE(panel.noticeHtml(), QStringList());
+}
+
+void tst_Requests::unboundedMarkup_data()
+{
+    QTest::addColumn<QString>("chunk");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("level");
+
+    const auto row = [](const char *name, const QString &chunk, const QString &text,
+                         const QString &level) { QTest::newRow(name) << chunk << text << level; };
+    const QString tables = QStringLiteral("<table><tr><td>").repeated(20);
+    row("nested tables", tables + QStringLiteral("\tx\n"), tables + QStringLiteral("\tx\n"),
+        QStringLiteral("Information"));
+    row("nested tables in a failure", QStringLiteral("Failed ") + tables + QLatin1Char('\n'),
+        QStringLiteral("Failed ") + tables + QLatin1Char('\n'), QStringLiteral("Error"));
+    row("a length in an empty frame",
+        QStringLiteral("Face result count:0\r\n\r\nPress Space Key to end:\n\n"
+                       " <td style=\"padding:2000000000px\">\tx\n"),
+        QStringLiteral("Face result count:0\n<td style=\"padding:2000000000px\">\tx\n"),
+        QStringLiteral("Notice"));
+}
+
+void tst_Requests::unboundedMarkup()
+{
+    QFETCH(QString, chunk);
+    QFETCH(QString, text);
+    QFETCH(QString, level);
+    LoadedPlugin plugin;
+    const PanelRecorder &panel = plugin.panel();
+    const QSignalSpy spy(plugin.object(), SIGNAL(contentStarted(int)));
+    plugin.init(FourContents, settings(1, AnHour));
+
+    const QString viewer = lines(QStringLiteral("w"));
+    text += viewer.trimmed();
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(plugin.receive(chunk + viewer));
+    QTRY_COMPARE(panel.statusHtml().size(), 2);
+    QVERIFY(timer.elapsed() < 5000);
+
+    QCOMPARE(panel.statusHtml().constLast(), renderedText(text));
+    QCOMPARE(indexes(spy), QList<int>({0}));
+    QCOMPARE(plugin.log(), QString(record(level, text) + determinedRecord(QStringLiteral(" #1"))));
+}
+
+void tst_Requests::longWord()
+{
+    LoadedPlugin plugin;
+    const PanelRecorder &panel = plugin.panel();
+    const QString text = QStringLiteral("Failed ") + QString(1000000, QLatin1Char('x'));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(plugin.receive(text));
+    QTRY_COMPARE(panel.statusTexts().size(), 1);
+    QVERIFY(timer.elapsed() < 5000);
+    QVERIFY(panel.statusTexts().constFirst().startsWith(text.left(1000)));
+    QCOMPARE(plugin.log(), record(QStringLiteral("Error"), text));
 }
 
 void tst_Requests::aFaceCutInTwoIsLost()
