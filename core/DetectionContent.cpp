@@ -50,6 +50,18 @@ DetectionContent readContent(const QVariantMap &entry, int sequenceNumber)
     return content;
 }
 
+/// What keeps a content from being valid; TakesPart when nothing does.
+EntryReason validity(const DetectionContent &content)
+{
+    if (content.ageMin < 0)
+        return EntryReason::NoLowestAge;
+    if (content.ageMax < 0)
+        return EntryReason::NoHighestAge;
+    if (content.genders == UnknownGender)
+        return EntryReason::NoGender;
+    return content.ageMin > content.ageMax ? EntryReason::AgesReversed : EntryReason::TakesPart;
+}
+
 QVariantList events(const QVariantMap &screen)
 {
     return screen.value(QStringLiteral("event")).value<QVariantList>();
@@ -111,35 +123,46 @@ QMap<int, QList<int>> linkedScreens(
 
 bool DetectionContent::isValid() const
 {
-    return sequenceNumber >= 0 && ageMin >= 0 && ageMax >= 0 && genders != UnknownGender
-        && ageMin <= ageMax;
+    return sequenceNumber >= 0 && validity(*this) == EntryReason::TakesPart;
+}
+
+DetectionTable detectionTable(const QVariantMap &screen, const QMap<int, QVariantMap> &stageScreens)
+{
+    const QVariantList entries = screen.value(Keys::Contents).toList();
+    DetectionTable table;
+    table.reasons.fill(EntryReason::NoScreenId, entries.size());
+    const QVariant id = screen.value(Keys::Id);
+    const std::optional<int> screenId = toInt(id);
+    if (id.isNull() || !screenId)
+        return table;
+
+    DetectionContents valid;
+    for (int position = 0; position < entries.size(); ++position) {
+        const DetectionContent content = readContent(entries.at(position).toMap(), position + 1);
+        table.reasons[position] = validity(content);
+        if (content.isValid())
+            valid.append(content);
+    }
+
+    const QSet<int> open = openSequences(stageScreens.value(*screenId), valid.size());
+    const QMap<int, QList<int>> identifiers = linkedScreens(*screenId, open, stageScreens);
+    for (DetectionContent &content : valid) {
+        const int number = content.sequenceNumber;
+        content.identifiers = identifiers.value(number);
+        if (!content.identifiers.isEmpty()) {
+            table.contents.append(content);
+        } else {
+            table.reasons[number - 1]
+                = open.contains(number) ? EntryReason::NoLinkingScreen : EntryReason::NoOwnEvent;
+        }
+    }
+    return table;
 }
 
 DetectionContents detectionContents(
     const QVariantMap &screen, const QMap<int, QVariantMap> &stageScreens)
 {
-    const QVariant id = screen.value(Keys::Id);
-    const std::optional<int> screenId = toInt(id);
-    if (id.isNull() || !screenId)
-        return {};
-
-    DetectionContents contents;
-    const QVariantList entries = screen.value(Keys::Contents).toList();
-    for (int position = 0; position < entries.size(); ++position) {
-        const DetectionContent content = readContent(entries.at(position).toMap(), position + 1);
-        if (content.isValid())
-            contents.append(content);
-    }
-
-    const QSet<int> open = openSequences(stageScreens.value(*screenId), contents.size());
-    const QMap<int, QList<int>> identifiers = linkedScreens(*screenId, open, stageScreens);
-    for (DetectionContent &content : contents)
-        content.identifiers = identifiers.value(content.sequenceNumber);
-    contents.erase(
-        std::remove_if(contents.begin(), contents.end(),
-            [](const DetectionContent &content) { return content.identifiers.isEmpty(); }),
-        contents.end());
-    return contents;
+    return detectionTable(screen, stageScreens).contents;
 }
 
 DetectionContent findContent(const DetectionContents &contents, qint64 sequenceNumber)

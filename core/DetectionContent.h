@@ -26,10 +26,34 @@ struct DetectionContent
 
 using DetectionContents = QVector<DetectionContent>;
 
+/// Whether an entry of a screen's "contents" list takes part in the detection, and if not, what
+/// first keeps it from that.
+enum class EntryReason {
+    TakesPart,
+    NoScreenId, ///< the screen's own "id" is missing or no integer: nothing takes part
+    NoLowestAge, ///< "age-min" is missing, no integer or negative
+    NoHighestAge, ///< "age-max" is missing, no integer or negative
+    NoGender, ///< "gender" is missing or no word for one
+    AgesReversed, ///< "age-min" is above "age-max"
+    NoOwnEvent, ///< no event of the screen opens the sequence to others
+    NoLinkingScreen, ///< no event of another screen follows the sequence
+};
+
+/// The contents that take part in the detection, and what became of all others.
+struct DetectionTable
+{
+    DetectionContents contents; ///< in the order of the list
+    QVector<EntryReason> reasons; ///< one for each entry of the list
+};
+
 /// The valid contents of the screen whose parameter map is @p screen that at least one other
 /// screen of @p stageScreens (by screen id) is linked to, in the order of the map.
 ///
 /// A content's sequence number is its position in the map's list; invalid ones use theirs up.
+DetectionTable detectionTable(
+    const QVariantMap &screen, const QMap<int, QVariantMap> &stageScreens);
+
+/// The contents of detectionTable() alone.
 DetectionContents detectionContents(
     const QVariantMap &screen, const QMap<int, QVariantMap> &stageScreens);
 

@@ -143,6 +143,8 @@ private slots:
     void screenMap();
     void identifiers_data();
     void identifiers();
+    void reasons_data();
+    void reasons();
     void manyContents();
     void manyLinkingScreens();
     void find_data();
@@ -486,6 +488,83 @@ void tst_DetectionContent::identifiers()
     QFETCH(StageScreens, stage);
     QFETCH(QString, expected);
     QCOMPARE(describe(detectionContents(screen(contents), stage)), expected);
+}
+
+void tst_DetectionContent::reasons_data()
+{
+    QTest::addColumn<QVariantMap>("screenMap");
+    QTest::addColumn<StageScreens>("stage");
+    QTest::addColumn<QString>("expected");
+
+    const StageScreens linked = linkedStage({1, 2, 3});
+    const auto row = [&](const char *name, const QVariantMap &entry, const char *reason) {
+        QTest::newRow(name) << screen({men(), entry}) << linked
+                            << QString(QStringLiteral("takes part, ") + QLatin1String(reason));
+    };
+    row("a usual content", women(), "takes part");
+    row("an entry that is no map", {}, "no lowest age");
+    row("no lowest age", content({}, 29, QStringLiteral("female")), "no lowest age");
+    row("a lowest age of letters", content(QStringLiteral("young"), 29, QStringLiteral("female")),
+        "no lowest age");
+    row("a negative lowest age", content(-1, 29, QStringLiteral("female")), "no lowest age");
+    row("no highest age", content(20, {}, QStringLiteral("female")), "no highest age");
+    row("a negative highest age", content(20, -5, QStringLiteral("female")), "no highest age");
+    row("a gender of another word", content(20, 29, QStringLiteral("woman")), "no gender");
+    row("the ages in the wrong order", content(30, 29, QStringLiteral("female")), "reversed");
+    row("several faults, the first counts", content({}, -1, QString()), "no lowest age");
+
+    const QVariantMap two = screen({women(), men()});
+    QTest::newRow("no screen id") << without(two, "id") << linked << QStringLiteral("no id, no id");
+    QTest::newRow("no contents") << screen({}) << linked << QString();
+    QTest::newRow("no other screen")
+        << two << linkedStage({}) << QStringLiteral("no link, no link");
+    QTest::newRow("a sequence that nobody follows")
+        << two << linkedStage({2}) << QStringLiteral("no link, takes part");
+    QTest::newRow("no event of the own screen")
+        << two << StageScreens{{20, stageScreen({link(1), link(2)})}}
+        << QStringLiteral("no event, no event");
+    QTest::newRow("an event for one of them")
+        << two
+        << StageScreens{{ScreenId, stageScreen({opening(QVariantList{2})})},
+               {20, stageScreen({link(1), link(2)})}}
+        << QStringLiteral("no event, takes part");
+    QTest::newRow("an invalid content shortens what an open event stands for")
+        << screen({content({}, 29, QStringLiteral("female")), men(), women()}) << linked
+        << QStringLiteral("no lowest age, takes part, no event");
+}
+
+void tst_DetectionContent::reasons()
+{
+    QFETCH(QVariantMap, screenMap);
+    QFETCH(StageScreens, stage);
+    QFETCH(QString, expected);
+    const DetectionTable table = detectionTable(screenMap, stage);
+    const auto name = [](EntryReason reason) {
+        switch (reason) {
+        case EntryReason::TakesPart:
+            return QStringLiteral("takes part");
+        case EntryReason::NoScreenId:
+            return QStringLiteral("no id");
+        case EntryReason::NoLowestAge:
+            return QStringLiteral("no lowest age");
+        case EntryReason::NoHighestAge:
+            return QStringLiteral("no highest age");
+        case EntryReason::NoGender:
+            return QStringLiteral("no gender");
+        case EntryReason::AgesReversed:
+            return QStringLiteral("reversed");
+        case EntryReason::NoOwnEvent:
+            return QStringLiteral("no event");
+        case EntryReason::NoLinkingScreen:
+            return QStringLiteral("no link");
+        }
+        return QStringLiteral("?");
+    };
+    QStringList names;
+    for (const EntryReason reason : table.reasons)
+        names.append(name(reason));
+    QCOMPARE(names.join(QStringLiteral(", ")), expected);
+    QCOMPARE(table.contents.size(), table.reasons.count(EntryReason::TakesPart));
 }
 
 void tst_DetectionContent::manyContents()
