@@ -1,17 +1,20 @@
 #include "core/KrHvcP2.h"
 
-#include "core/SensorIni.h"
+#include "core/screen/DetectionContent.h"
+#include "core/screen/NewScreen.h"
 #include "detection/Determination.h"
 #include "detection/LayoutBound.h"
 #include "detection/SensorOutputParser.h"
 #include "gui/KrHvcGui.h"
 #include "host/KrPluginKeys.h"
+#include "host/KrPluginLogLevel.h"
 #include "log/OwnedMutex.h"
 #include "log/PluginLogger.h"
 #include "monitor/KrMovingTextItem.h"
 #include "monitor/OfflineTextDocument.h"
 #include "monitor/SlidePath.h"
 #include "sensor/KrHvcController.h"
+#include "sensor/SensorIni.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -27,6 +30,8 @@
 namespace PluginKrHvcP2 {
 
 namespace Keys = Kora::Keys;
+namespace LogLevel = Kora::LogLevel;
+namespace Status = Kora::Status;
 
 namespace {
 
@@ -78,69 +83,9 @@ KrHvcP2::~KrHvcP2()
     m_gui.reset(); // it points to members of this
 }
 
-QString KrHvcP2::name() const
-{
-    return m_name;
-}
-
-QString KrHvcP2::path() const
-{
-    return m_path;
-}
-
-void KrHvcP2::setPath(const QString &path)
-{
-    m_path = path;
-}
-
-int KrHvcP2::apiLevel() const
-{
-    return m_apiLevel;
-}
-
-QString KrHvcP2::identifier() const
-{
-    return m_identifier;
-}
-
-QString KrHvcP2::version() const
-{
-    return m_version;
-}
-
-bool KrHvcP2::hasGraphicsItem() const
-{
-    return true;
-}
-
-int KrHvcP2::kind() const
-{
-    return m_kind;
-}
-
 QVariant KrHvcP2::params() const
 {
     return m_settings.toMap();
-}
-
-bool KrHvcP2::hasParams() const
-{
-    return true;
-}
-
-QObject *KrHvcP2::object()
-{
-    return this;
-}
-
-QString KrHvcP2::shortName() const
-{
-    return QStringLiteral("krhvcp2");
-}
-
-QString KrHvcP2::displayName() const
-{
-    return QStringLiteral("OMRON(R) HVC-P2 Plugin");
 }
 
 QString KrHvcP2::description() const
@@ -162,22 +107,12 @@ Kora::KrPluginGraphicsItem *KrHvcP2::graphicsItem()
     return m_graphicsItem;
 }
 
-QWidget *KrHvcP2::propertyWidget()
-{
-    return m_propertyWidget;
-}
-
 void KrHvcP2::releaseGraphicsItem()
 {
     // A released panel must not take this plug-in's next one away when it is deleted.
     if (KrMovingTextItem *released = panel())
         released->setReleased();
     m_graphicsItem = nullptr;
-}
-
-void KrHvcP2::releasePropertyWidget()
-{
-    m_propertyWidget = nullptr;
 }
 
 Kora::KrPluginGuiInterface *KrHvcP2::gui()
@@ -208,25 +143,10 @@ QList<QPair<QString, QVariant>> KrHvcP2::contentProperties(int index) const
     return properties;
 }
 
-bool KrHvcP2::canStart() const
-{
-    return true;
-}
-
-bool KrHvcP2::canStop() const
-{
-    return true;
-}
-
-bool KrHvcP2::canPause() const
-{
-    return true;
-}
-
 bool KrHvcP2::init()
 {
     forgetFrames(); // their numbers are those of the old contents
-    m_status = Initializing;
+    m_status = Status::Initializing;
     graphicsItem();
     if (panel() != nullptr) {
         delete m_controller;
@@ -235,8 +155,8 @@ bool KrHvcP2::init()
     }
     if (m_graphicsItem != nullptr)
         m_graphicsItem->setVisible(m_settings.displayMonitoring);
-    m_contents = detectionContents(m_pluginData.toMap(), m_stage.screens());
-    m_status = Initialized;
+    m_requests.setContents(detectionContents(m_pluginData.toMap(), m_stage.screens()));
+    m_status = Status::Initialized;
     return true;
 }
 
@@ -247,7 +167,7 @@ bool KrHvcP2::start()
         return false;
     }
 
-    m_status = Starting;
+    m_status = Status::Starting;
     showLine(tr("Starting..."));
     const SensorParameters parameters
         = readSensorIni(QDir(m_path).absoluteFilePath(QStringLiteral("setting.ini")),
@@ -261,7 +181,7 @@ bool KrHvcP2::start()
     if (!self)
         return true;
     showLine(tr("Started."));
-    m_status = Started;
+    m_status = Status::Started;
     return true;
 }
 
@@ -270,7 +190,7 @@ bool KrHvcP2::stop()
     forgetFrames();
     if (m_controller == nullptr)
         return true;
-    m_status = Stopping;
+    m_status = Status::Stopping;
     showLine(tr("Stopping..."));
     m_controller->stop(); // last: its receivers may delete this
     return true;
@@ -279,7 +199,7 @@ bool KrHvcP2::stop()
 bool KrHvcP2::pause()
 {
     showLine(tr("Paused."));
-    m_status = Paused;
+    m_status = Status::Paused;
     return true;
 }
 
@@ -288,10 +208,6 @@ bool KrHvcP2::reload()
     showLine(tr("Reloaded."));
     return true;
 }
-
-void KrHvcP2::onScreenEntered() { }
-
-void KrHvcP2::onScreenLeft() { }
 
 void KrHvcP2::requestSequenceNumber(int number)
 {
@@ -302,29 +218,22 @@ void KrHvcP2::requestSequenceNumber(int number)
 void KrHvcP2::requestSequenceIndex(int index)
 {
     const qint64 number = qint64{index} + 1;
-    const DetectionContent content = findContent(m_contents, number);
-    if (!content.isValid()) {
-        if (KrMovingTextItem *item = panel()) {
-            item->addHtml(
-                tr("<span style=\"color:yellow\">Sequence #%1 is invalid.</span>").arg(number),
-                NoticeDirection);
-        }
-        return;
-    }
-
     const int limit = m_settings.eventSendingLimit;
-    if (!m_restriction.admit(content.identifiers, QDateTime::currentDateTimeUtc(), limit)) {
-        if (KrMovingTextItem *item = panel()) {
-            item->addHtml(
-                tr("<span style=\"color:yellow\">#%1 is not sent now (within restricted).</span>")
-                    .arg(number),
-                NoticeDirection);
-        }
+    switch (m_requests.request(number, QDateTime::currentDateTimeUtc(), limit)) {
+    case SequenceRequests::Answer::Unknown:
+        showNotice(tr("<span style=\"color:yellow\">Sequence #%1 is invalid.</span>").arg(number));
+        return;
+    case SequenceRequests::Answer::Restricted:
+        showNotice(
+            tr("<span style=\"color:yellow\">#%1 is not sent now (within restricted).</span>")
+                .arg(number));
         writeLog(tr("#%1 is not sent now because it is within the limited min-time(%2 msec.).")
                      .arg(number)
                      .arg(limit),
             Notice);
         return;
+    case SequenceRequests::Answer::Admitted:
+        break;
     }
 
     if (KrMovingTextItem *item = panel())
@@ -333,59 +242,13 @@ void KrHvcP2::requestSequenceIndex(int index)
     emit contentStarted(index); // last: the host may delete this
 }
 
-int KrHvcP2::currentSequenceNumber() const
-{
-    return m_currentSequenceIndex + 1;
-}
-
-int KrHvcP2::currentSequenceIndex() const
-{
-    return m_currentSequenceIndex;
-}
-
-int KrHvcP2::sequenceControlLevel() const
-{
-    return 1;
-}
-
-int KrHvcP2::timeControlLevel() const
-{
-    return 0;
-}
-
-int KrHvcP2::status() const
-{
-    return m_status;
-}
-
 bool KrHvcP2::makeDefaultPluginData(QVariant *data)
 {
     if (data == nullptr)
         return false;
 
-    QVariantMap screen = data->toMap();
-    QVariantMap settings = screen.value(Keys::PluginData).toMap();
-    const QVariantMap defaults = ScreenSettings::newScreenMap();
-    for (auto it = defaults.cbegin(); it != defaults.cend(); ++it)
-        settings.insert(it.key(), it.value());
-    screen.insert(Keys::PluginData, settings);
-    screen.insert(Keys::Contents,
-        QVariantList{
-            contentEntry(QStringLiteral("20 - 30 (Female)"), 20, 30, Female, true),
-            contentEntry(QStringLiteral("20 - 30 (Male)"), 20, 30, Male, true),
-        });
-    *data = screen;
+    *data = newScreen(data->toMap());
     return true;
-}
-
-QList<int> KrHvcP2::supportedTypes() const
-{
-    return {2};
-}
-
-QList<int> KrHvcP2::extraTypes() const
-{
-    return {};
 }
 
 QImage KrHvcP2::icon() const
@@ -408,14 +271,8 @@ void KrHvcP2::setLogSetting(const QString &directory)
     settings.maxLevel = Information;
     settings.retentionDays = 30;
     settings.baseName = QStringLiteral("%1Log").arg(name());
-    settings.levelNames = {
-        {NoLogging, tr("NoLogging")},
-        {Critical, tr("Critical")},
-        {Error, tr("Error")},
-        {Warning, tr("Warning")},
-        {Notice, tr("Notice")},
-        {Information, tr("Information")},
-    };
+    for (auto name = settings.levelNames.begin(); name != settings.levelNames.end(); ++name)
+        *name = LogLevel::translatedName(name.key());
     logger.setSettings(settings);
 }
 
@@ -433,7 +290,7 @@ void KrHvcP2::onDataReceived(const QString &data)
     if (!self || number != m_newestFrame)
         return;
     sendStartedEvents(
-        determineSequences(frame.faces, frame.sizes, frame.directionValues, m_contents));
+        determineSequences(frame.faces, frame.sizes, frame.directionValues, m_requests.contents()));
 }
 
 void KrHvcP2::sendLogMessage(const QString &message, LogDivision logDivision)
@@ -506,7 +363,7 @@ void KrHvcP2::onStarted()
 void KrHvcP2::onStopped()
 {
     showLine(tr("Stopped."));
-    m_status = Stopped;
+    m_status = Status::Stopped;
     writeLog(tr("HvcCon process stopped."), Notice);
 }
 
@@ -553,6 +410,12 @@ QString KrHvcP2::showReport(const QString &chunk, const SensorFrame &frame) cons
     m_reportDocument->clear();
     m_reportDocument->setHtml(frame.html);
     return m_reportDocument->toPlainText();
+}
+
+void KrHvcP2::showNotice(const QString &html) const
+{
+    if (KrMovingTextItem *item = panel())
+        item->addHtml(html, NoticeDirection);
 }
 
 // Blanks within SIGNAL and SLOT would not be the normalised form.

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/DetectionContent.h"
-#include "core/ScreenSettings.h"
+#include "core/screen/ScreenSettings.h"
 #include "detection/CalculatedData.h"
-#include "detection/SendRestriction.h"
+#include "detection/SequenceRequests.h"
 #include "host/KrPluginExtScreenInterface.h"
 #include "log/LogDivision.h"
 
@@ -43,49 +42,52 @@ public:
     KrHvcP2();
     ~KrHvcP2() override;
 
-    QString name() const override;
-    QString path() const override;
-    void setPath(const QString &path) override; ///< "setting.ini" and the sensor program lie there
-    int apiLevel() const override;
-    QString identifier() const override;
-    QString version() const override;
-    bool hasGraphicsItem() const override;
-    int kind() const override;
+    QString name() const override { return m_name; }
+    QString path() const override { return m_path; }
+    void setPath(const QString &path) override
+    {
+        m_path = path;
+    } ///< "setting.ini" and the sensor program lie there
+    int apiLevel() const override { return m_apiLevel; }
+    QString identifier() const override { return m_identifier; }
+    QString version() const override { return m_version; }
+    bool hasGraphicsItem() const override { return true; }
+    int kind() const override { return m_kind; }
     QVariant params() const override;
-    bool hasParams() const override;
-    QObject *object() override;
-    QString shortName() const override;
-    QString displayName() const override;
+    bool hasParams() const override { return true; }
+    QObject *object() override { return this; }
+    QString shortName() const override { return QStringLiteral("krhvcp2"); }
+    QString displayName() const override { return QStringLiteral("OMRON(R) HVC-P2 Plugin"); }
     QString description() const override;
 
     Kora::KrPluginGraphicsItem *graphicsItem() override;
-    QWidget *propertyWidget() override;
+    QWidget *propertyWidget() override { return m_propertyWidget; }
     void releaseGraphicsItem() override;
-    void releasePropertyWidget() override;
+    void releasePropertyWidget() override { m_propertyWidget = nullptr; }
     Kora::KrPluginGuiInterface *gui() override;
     void setParams(const QVariantMap &params) override;
     bool writeXml(QXmlStreamWriter &writer) override;
     QList<QPair<QString, QVariant>> contentProperties(int index) const override;
-    bool canStart() const override;
-    bool canStop() const override;
-    bool canPause() const override;
+    bool canStart() const override { return true; }
+    bool canStop() const override { return true; }
+    bool canPause() const override { return true; }
     bool init() override;
     bool start() override;
     bool stop() override;
     bool pause() override;
     bool reload() override;
-    void onScreenEntered() override;
-    void onScreenLeft() override;
+    void onScreenEntered() override { }
+    void onScreenLeft() override { }
     void requestSequenceNumber(int number) override;
     void requestSequenceIndex(int index) override;
-    int currentSequenceNumber() const override;
-    int currentSequenceIndex() const override;
-    int sequenceControlLevel() const override;
-    int timeControlLevel() const override;
-    int status() const override;
+    int currentSequenceNumber() const override { return m_currentSequenceIndex + 1; }
+    int currentSequenceIndex() const override { return m_currentSequenceIndex; }
+    int sequenceControlLevel() const override { return 1; }
+    int timeControlLevel() const override { return 0; }
+    int status() const override { return m_status; }
     bool makeDefaultPluginData(QVariant *data) override;
-    QList<int> supportedTypes() const override;
-    QList<int> extraTypes() const override;
+    QList<int> supportedTypes() const override { return {2}; }
+    QList<int> extraTypes() const override { return {}; }
     QImage icon() const override;
     void setLogSetting(const QString &directory) override; ///< ignores a directory that is missing
 
@@ -115,20 +117,9 @@ private slots:
     void onStopped();
 
 private:
-    /// Lifecycle codes, fixed by the host.
-    enum Status {
-        Stopped = 100,
-        Paused = 101,
-        Started = 102,
-        Starting = 103,
-        Stopping = 104,
-        Initializing = 109,
-        Initialized = 110,
-        Constructed = 199,
-    };
-
     KrMovingTextItem *panel() const;
     void showLine(const QString &text) const;
+    void showNotice(const QString &html) const;
     /// Shows @p frame, read from @p chunk, on the panel; returns its text for the log.
     QString showReport(const QString &chunk, const SensorFrame &frame) const;
     void createController();
@@ -140,13 +131,12 @@ private:
     void writeLog(const QString &message, LogDivision level) const;
 
     bool m_isBeingDestroyed = false;
-    int m_status = Constructed;
+    int m_status = Kora::Status::Constructed;
     KrHvcController *m_controller = nullptr; // child of this
     ScreenSettings m_settings;
     int m_currentSequenceIndex = -1; // last one sent; -1: none
 
-    DetectionContents m_contents;
-    SendRestriction m_restriction;
+    SequenceRequests m_requests;
     // Shared with the calls that hold it, so that it can be unlocked after this object has gone.
     std::shared_ptr<OwnedMutex> m_sendMutex;
     quint64 m_newestFrame = 0; // counts the frames that came, and what made them obsolete

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/DetectionContent.h"
+#include "core/screen/DetectionContent.h"
 #include "detection/CalculatedData.h"
 #include "detection/FaceResult.h"
 

@@ -1,6 +1,6 @@
 #include "detection/SensorOutputParser.h"
 
-#include "core/Gender.h"
+#include "core/screen/Gender.h"
 
 #include <QStringRef>
 #include <QVariantMap>

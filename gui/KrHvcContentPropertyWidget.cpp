@@ -1,7 +1,6 @@
 #include "gui/KrHvcContentPropertyWidget.h"
 
-#include "core/DetectionContent.h"
-#include "core/ScreenSettings.h"
+#include "core/screen/ContentEntry.h"
 #include "gui/BuddyLabel.h"
 #include "gui/MessageBox.h"
 #include "host/KrPluginKeys.h"
@@ -25,15 +24,8 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
-const QLatin1String ParamsKey("params");
-
 /// Where the search for a free range starts on a screen without contents.
-constexpr AgeRange FirstProposal{10, 19, BothGenders, false};
-
-QVariantMap paramsOf(const QVariantMap &entry)
-{
-    return entry.value(ParamsKey).toMap();
-}
+constexpr Audience FirstProposal{10, 19, BothGenders, false};
 
 QSpinBox *createAgeSpinBox(const QString &name, int value)
 {
@@ -129,9 +121,9 @@ bool KrHvcContentPropertyWidget::prepareNewContent()
     showInformation(tr("New HVC detection setting will be added."),
         QStringLiteral("color: green; font-weight: bold;"));
 
-    const QVector<AgeRange> ranges = contentRanges(contents());
+    const QVector<Audience> ranges = contentRanges(contents());
     m_freeRanges = freeRanges(ranges);
-    const std::optional<AgeRange> proposal
+    const std::optional<Audience> proposal
         = nextRange(ranges.isEmpty() ? FirstProposal : ranges.last(), m_freeRanges);
     if (!proposal) {
         showMessageBox(
@@ -161,14 +153,14 @@ void KrHvcContentPropertyWidget::loadContent(int seqIndex)
 
     const QScopedValueRollback<bool> updating(m_updating, true);
     const QVariantMap entry = entries.at(seqIndex).toMap();
-    AgeRange range = contentRange(entry);
+    Audience range = audienceForEditing(entry);
     range.ageMin = std::min(range.ageMin, range.ageMax);
-    range.isDefault = isTrueText(paramsOf(entry).value(Keys::Default));
+    range.isDefault = isShownAsDefault(entry);
     m_sequenceNumber->setNum(seqIndex + 1);
     showRange(range);
     m_default->setChecked(range.isDefault);
 
-    QString name = entry.value(Keys::Name).toString();
+    QString name = nameForEditing(entry);
     if (name.isEmpty()) {
         name = tr("%1 - %2 yeas old (%3)")
                    .arg(QString::number(range.ageMin), QString::number(range.ageMax),
@@ -194,7 +186,7 @@ bool KrHvcContentPropertyWidget::validateAndStore()
             m_name);
         return false;
     }
-    const AgeRange entered = enteredRange();
+    const Audience entered = enteredRange();
     const RangeConflicts conflicts = findConflicts(entered, contentRanges(others));
     if (conflicts.ages) {
         refuse(tr("Including Age Range"),
@@ -254,8 +246,8 @@ void KrHvcContentPropertyWidget::onGenerateNameButtonClicked(bool /*checked*/)
 
 void KrHvcContentPropertyWidget::onFindNextRangeButtonClicked(bool /*checked*/)
 {
-    const AgeRange current = enteredRange();
-    const std::optional<AgeRange> next = nextRange(current, m_freeRanges);
+    const Audience current = enteredRange();
+    const std::optional<Audience> next = nextRange(current, m_freeRanges);
     if (!next) {
         showMessageBox(this, QMessageBox::Warning, tr("Not Found"),
             tr("There is not an available next range of age."));
@@ -350,13 +342,13 @@ QVariantList KrHvcContentPropertyWidget::contents() const
     return parameters().value(Keys::Contents).toList();
 }
 
-AgeRange KrHvcContentPropertyWidget::enteredRange() const
+Audience KrHvcContentPropertyWidget::enteredRange() const
 {
     return {m_ageMin->value(), m_ageMax->value(), m_gender->currentData().toInt(),
         m_default->isChecked()};
 }
 
-void KrHvcContentPropertyWidget::showRange(const AgeRange &range)
+void KrHvcContentPropertyWidget::showRange(const Audience &range)
 {
     m_ageMin->setValue(range.ageMin);
     m_ageMax->setValue(range.ageMax);
@@ -367,7 +359,7 @@ void KrHvcContentPropertyWidget::showRange(const AgeRange &range)
 
 QString KrHvcContentPropertyWidget::automaticName() const
 {
-    const AgeRange range = enteredRange();
+    const Audience range = enteredRange();
     return tr("%1 - %2 years old (%3)")
         .arg(
             QString::number(range.ageMin), QString::number(range.ageMax), genderName(range.gender));
@@ -389,7 +381,7 @@ bool KrHvcContentPropertyWidget::isNameInUse(const QVariantList &contents) const
 {
     const QString name = m_name->text();
     return std::any_of(contents.cbegin(), contents.cend(),
-        [&](const QVariant &entry) { return entry.toMap().value(Keys::Name).toString() == name; });
+        [&](const QVariant &entry) { return nameForEditing(entry.toMap()) == name; });
 }
 
 void KrHvcContentPropertyWidget::refuse(
@@ -406,39 +398,17 @@ void KrHvcContentPropertyWidget::refuse(
         spinBox->selectAll();
 }
 
-QVariantMap KrHvcContentPropertyWidget::updatedEntry(const QVariantMap &entry) const
-{
-    const AgeRange entered = enteredRange();
-    QVariantMap params = paramsOf(entry);
-    params.insert(Keys::AgeMin, entered.ageMin);
-    params.insert(Keys::AgeMax, entered.ageMax);
-    params.insert(Keys::Gender, genderToText(entered.gender));
-    params.insert(Keys::Default, entered.isDefault ? Keys::True : Keys::False);
-    QVariantMap updated = entry;
-    updated.insert(Keys::Name, m_name->text());
-    updated.insert(ParamsKey, params);
-    return updated;
-}
-
 void KrHvcContentPropertyWidget::storeExisting(QVariantList contents)
 {
     const QVariantMap entry = contents.at(m_editIndex).toMap();
-    const QVariantMap updated = updatedEntry(entry);
-    const AgeRange storedRange = contentRange(entry);
-    const AgeRange entered = enteredRange();
-    const auto isSameText = [](const QVariantMap &a, const QVariantMap &b, const QString &key) {
-        return a.value(key).toString() == b.value(key).toString();
-    };
-    const bool changed = !isSameText(entry, updated, Keys::Name)
-        || storedRange.ageMin != entered.ageMin || storedRange.ageMax != entered.ageMax
-        || !isSameText(paramsOf(entry), paramsOf(updated), Keys::Gender)
-        || isTrueText(paramsOf(entry).value(Keys::Default)) != entered.isDefault;
-    if (!changed)
+    const QString name = m_name->text();
+    const Audience entered = enteredRange();
+    if (!isChanged(entry, name, entered))
         return;
 
     const int index = m_editIndex;
     QVariantMap screen = parameters();
-    contents.replace(index, updated);
+    contents.replace(index, editedEntry(entry, name, entered));
     screen.insert(Keys::Contents, contents);
     *m_pluginData = screen;
     emit screenValuesUpdated(screen.value(Keys::Id, -1).toInt(), {index});
@@ -446,7 +416,7 @@ void KrHvcContentPropertyWidget::storeExisting(QVariantList contents)
 
 void KrHvcContentPropertyWidget::storeNew()
 {
-    const QVariantMap entry = updatedEntry({{QStringLiteral("type"), ContentEntryType}});
+    const QVariantMap entry = newEntry(m_name->text(), enteredRange());
     emit requestAddContents(parameters().value(Keys::Id, -1).toInt(), {{m_editIndex, entry}});
 }
 

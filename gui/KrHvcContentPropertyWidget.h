@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/AgeRange.h"
+#include "gui/AudienceRules.h"
 
 #include <QMap>
 #include <QVariant>
@@ -66,14 +66,13 @@ private:
     bool hasParameters() const;
     QVariantMap parameters() const;
     QVariantList contents() const;
-    AgeRange enteredRange() const;
-    void showRange(const AgeRange &range);
+    Audience enteredRange() const;
+    void showRange(const Audience &range);
     QString automaticName() const;
     void updateAutomaticName();
     void showInformation(const QString &text, const QString &styleSheet);
     bool isNameInUse(const QVariantList &contents) const;
     void refuse(const QString &title, const QString &text, QWidget *faultyField);
-    QVariantMap updatedEntry(const QVariantMap &entry) const;
     void storeExisting(QVariantList contents);
     void storeNew();
 
@@ -88,7 +87,7 @@ private:
     QCheckBox *m_auto = nullptr;
     QVariant *m_pluginData = nullptr;
     int m_editIndex = -1; // in "contents"; their count, or more, for a new content
-    QVector<AgeRange> m_freeRanges; // and those left by "Find Range"
+    QVector<Audience> m_freeRanges; // and those left by "Find Range"
     bool m_updating = false; // the program, not the user, changes the fields
 };
 

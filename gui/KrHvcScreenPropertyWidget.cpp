@@ -1,6 +1,6 @@
 #include "gui/KrHvcScreenPropertyWidget.h"
 
-#include "core/ScreenSettings.h"
+#include "core/screen/ScreenSettings.h"
 #include "gui/BuddyLabel.h"
 #include "host/KrPluginKeys.h"
 

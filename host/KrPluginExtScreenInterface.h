@@ -2,6 +2,7 @@
 
 #include "KrPluginCommonInterface.h"
 #include "KrPluginStage.h"
+#include "KrPluginStatus.h"
 
 #include <QImage>
 #include <QList>
@@ -61,7 +62,7 @@ public:
     virtual int currentSequenceIndex() const = 0; ///< -1 before any sequence was sent
     virtual int sequenceControlLevel() const = 0;
     virtual int timeControlLevel() const = 0;
-    virtual int status() const = 0; ///< 199, 109, 110, 103, 102, 104, 100 or 101
+    virtual int status() const = 0; ///< a Status::Code
 
     /// Fills a new screen's parameter map with defaults, keeping foreign keys. False for null.
     virtual bool makeDefaultPluginData(QVariant *data) = 0;

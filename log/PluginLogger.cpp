@@ -1,5 +1,6 @@
 #include "log/PluginLogger.h"
 
+#include "host/KrPluginLogLevel.h"
 #include "log/LockFile.h"
 #include "log/LogFormat.h"
 
@@ -73,14 +74,10 @@ bool canRunEvents()
 
 QMap<int, QString> defaultLevelNames()
 {
-    return {
-        {NoLogging, QStringLiteral("NoLogging")},
-        {Critical, QStringLiteral("Critical")},
-        {Error, QStringLiteral("Error")},
-        {Warning, QStringLiteral("Warning")},
-        {Notice, QStringLiteral("Notice")},
-        {Information, QStringLiteral("Information")},
-    };
+    QMap<int, QString> names;
+    for (const char *name : Kora::LogLevel::Names)
+        names.insert(names.size(), QString::fromLatin1(name));
+    return names;
 }
 
 PluginLogger &PluginLogger::instance()

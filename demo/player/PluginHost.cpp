@@ -15,21 +15,12 @@
 
 namespace Player {
 
+namespace Status = Kora::Status;
+
 namespace {
 
 constexpr int StatusInterval = 100; // ms; the plug-in has no signal for its status
 constexpr int StopTimeout = 1000; // ms
-
-enum Status {
-    Stopped = 100,
-    Paused = 101,
-    Started = 102,
-    Starting = 103,
-    Stopping = 104,
-    Initializing = 109,
-    Initialized = 110,
-    Constructed = 199
-};
 
 QString linesOf(const QJsonValue &value)
 {
@@ -109,9 +100,10 @@ bool PluginHost::update(const StageFile &stage, int screenId)
     handOver(stage, screenId);
     bool ok = call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
     // A new initialisation ends the sensor program, also that of a paused plug-in.
-    if (guard && (before == Starting || before == Started || before == Paused))
+    if (guard
+        && (before == Status::Starting || before == Status::Started || before == Status::Paused))
         ok = start() && ok;
-    if (guard && before == Paused)
+    if (guard && before == Status::Paused)
         ok = pause() && ok;
     return ok;
 }
@@ -160,10 +152,10 @@ void PluginHost::finish()
 {
     // Pausing leaves the sensor program running, so a paused plug-in is stopped as well.
     const int before = status();
-    if (before == Starting || before == Started || before == Paused) {
+    if (before == Status::Starting || before == Status::Started || before == Status::Paused) {
         stop();
         const QDeadlineTimer deadline(StopTimeout);
-        while (status() == Stopping && !deadline.hasExpired()) {
+        while (status() == Status::Stopping && !deadline.hasExpired()) {
             QCoreApplication::processEvents();
             QThread::msleep(10);
         }
@@ -192,21 +184,21 @@ int PluginHost::status() const
 QString PluginHost::statusText(int status)
 {
     switch (status) {
-    case Stopped:
+    case Status::Stopped:
         return tr("Stopped");
-    case Paused:
+    case Status::Paused:
         return tr("Paused");
-    case Started:
+    case Status::Started:
         return tr("Started");
-    case Starting:
+    case Status::Starting:
         return tr("Starting");
-    case Stopping:
+    case Status::Stopping:
         return tr("Stopping");
-    case Initializing:
+    case Status::Initializing:
         return tr("Initialising");
-    case Initialized:
+    case Status::Initialized:
         return tr("Initialised");
-    case Constructed:
+    case Status::Constructed:
         return tr("Loaded");
     case 0:
         return tr("No plug-in");

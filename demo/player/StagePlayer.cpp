@@ -2,6 +2,7 @@
 
 #include "StageChanges.h"
 #include "host/KrPluginKeys.h"
+#include "host/KrPluginLogLevel.h"
 
 #include <QDir>
 #include <QPointer>
@@ -12,26 +13,6 @@
 namespace Player {
 
 namespace {
-
-QString divisionName(int division)
-{
-    switch (division) {
-    case 0:
-        return QStringLiteral("NoLogging");
-    case 1:
-        return QStringLiteral("Critical");
-    case 2:
-        return QStringLiteral("Error");
-    case 3:
-        return QStringLiteral("Warning");
-    case 4:
-        return QStringLiteral("Notice");
-    case 5:
-        return QStringLiteral("Information");
-    default:
-        return QString::number(division);
-    }
-}
 
 StageContent idleCard(const QString &title)
 {
@@ -63,7 +44,8 @@ StagePlayer::StagePlayer(const StageFile &stage, int screenId, QObject *parent)
         });
     connect(
         &m_host, &PluginHost::logMessageThrown, this, [this](const QString &message, int division) {
-            note(PlayerEvent::Log, divisionName(division) + QLatin1String(": ") + message,
+            note(PlayerEvent::Log,
+                Kora::LogLevel::translatedName(division) + QLatin1String(": ") + message,
                 QStringLiteral("throwLogMessage"));
         });
     connect(&m_host, &PluginHost::statusChanged, this, [this](int status) {

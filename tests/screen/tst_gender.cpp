@@ -1,4 +1,4 @@
-#include "core/Gender.h"
+#include "core/screen/Gender.h"
 
 #include <QtTest>
 

@@ -1,4 +1,5 @@
-#include "core/DetectionContent.h"
+#include "core/screen/ContentEntry.h"
+#include "core/screen/DetectionContent.h"
 
 #include <QtTest>
 

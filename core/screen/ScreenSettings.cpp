@@ -1,4 +1,4 @@
-#include "core/ScreenSettings.h"
+#include "core/screen/ScreenSettings.h"
 
 #include "host/KrPluginKeys.h"
 

@@ -1,6 +1,4 @@
-#include "gui/AgeRange.h"
-
-#include "host/KrPluginKeys.h"
+#include "gui/AudienceRules.h"
 
 #include <algorithm>
 #include <array>
@@ -9,26 +7,17 @@
 
 namespace PluginKrHvcP2 {
 
-namespace Keys = Kora::Keys;
-
 namespace {
 
-int readAge(const QVariantMap &params, const QString &key, int fallback)
-{
-    bool ok = false;
-    const int age = params.value(key).toInt(&ok);
-    return ok ? age : fallback;
-}
-
-void appendFreeRangesOf(int gender, const QVector<AgeRange> &rivals, QVector<AgeRange> &freeRanges)
+void appendFreeRangesOf(int gender, const QVector<Audience> &rivals, QVector<Audience> &freeRanges)
 {
     const auto append = [&](qint64 ageMin, qint64 ageMax) {
-        const AgeRange range{static_cast<int>(ageMin), static_cast<int>(ageMax), gender, false};
+        const Audience range{static_cast<int>(ageMin), static_cast<int>(ageMax), gender, false};
         if (!freeRanges.contains(range))
             freeRanges.append(range);
     };
 
-    const AgeRange &first = rivals.first();
+    const Audience &first = rivals.first();
     if (first.ageMin > LowestAge)
         append(LowestAge, first.ageMin - 1);
     if (first.ageMax >= HighestAge)
@@ -48,7 +37,7 @@ void appendFreeRangesOf(int gender, const QVector<AgeRange> &rivals, QVector<Age
 }
 
 /// How well a free range that touches @p current suits it; higher is better.
-int matchPriority(const AgeRange &freeRange, const AgeRange &current)
+int matchPriority(const Audience &freeRange, const Audience &current)
 {
     if (freeRange.gender == current.gender)
         return 3;
@@ -57,52 +46,39 @@ int matchPriority(const AgeRange &freeRange, const AgeRange &current)
     return freeRange.gender == Female ? 2 : 1;
 }
 
-bool touches(const AgeRange &freeRange, const AgeRange &current)
+bool touches(const Audience &freeRange, const Audience &current)
 {
     return freeRange.contains(current.ageMin) || freeRange.contains(current.ageMax);
 }
 
 } // namespace
 
-bool operator==(const AgeRange &a, const AgeRange &b)
+QVector<Audience> contentRanges(const QVariantList &contents)
 {
-    return std::tie(a.ageMin, a.ageMax, a.gender, a.isDefault)
-        == std::tie(b.ageMin, b.ageMax, b.gender, b.isDefault);
-}
-
-AgeRange contentRange(const QVariant &entry)
-{
-    const QVariantMap params = entry.toMap().value(QStringLiteral("params")).toMap();
-    return {readAge(params, Keys::AgeMin, LowestAge), readAge(params, Keys::AgeMax, HighestAge),
-        genderFromText(params.value(Keys::Gender).toString()),
-        params.value(Keys::Default).toBool()};
-}
-
-QVector<AgeRange> contentRanges(const QVariantList &contents)
-{
-    QVector<AgeRange> ranges;
+    QVector<Audience> ranges;
     ranges.reserve(contents.size());
-    std::transform(contents.cbegin(), contents.cend(), std::back_inserter(ranges), contentRange);
-    std::stable_sort(ranges.begin(), ranges.end(), [](const AgeRange &a, const AgeRange &b) {
+    std::transform(
+        contents.cbegin(), contents.cend(), std::back_inserter(ranges), audienceForEditing);
+    std::stable_sort(ranges.begin(), ranges.end(), [](const Audience &a, const Audience &b) {
         return std::tie(a.ageMin, a.ageMax) < std::tie(b.ageMin, b.ageMax);
     });
     return ranges;
 }
 
-QVector<AgeRange> freeRanges(const QVector<AgeRange> &sortedContents)
+QVector<Audience> freeRanges(const QVector<Audience> &sortedContents)
 {
-    QVector<AgeRange> result;
+    QVector<Audience> result;
     for (const int gender : {Male, Female, BothGenders}) {
-        QVector<AgeRange> rivals;
+        QVector<Audience> rivals;
         std::copy_if(sortedContents.cbegin(), sortedContents.cend(), std::back_inserter(rivals),
-            [=](const AgeRange &range) { return (range.gender & gender) != 0; });
+            [=](const Audience &range) { return (range.gender & gender) != 0; });
         if (!rivals.isEmpty())
             appendFreeRangesOf(gender, rivals, result);
     }
     return result;
 }
 
-std::optional<AgeRange> nextRange(const AgeRange &current, const QVector<AgeRange> &freeRanges)
+std::optional<Audience> nextRange(const Audience &current, const QVector<Audience> &freeRanges)
 {
     if (freeRanges.isEmpty())
         return std::nullopt;
@@ -119,13 +95,13 @@ std::optional<AgeRange> nextRange(const AgeRange &current, const QVector<AgeRang
 
     // Nothing touches: the last one of the highest gender code.
     return *std::max_element(freeRanges.crbegin(), freeRanges.crend(),
-        [](const AgeRange &a, const AgeRange &b) { return a.gender < b.gender; });
+        [](const Audience &a, const Audience &b) { return a.gender < b.gender; });
 }
 
-RangeConflicts findConflicts(const AgeRange &entered, const QVector<AgeRange> &others)
+RangeConflicts findConflicts(const Audience &entered, const QVector<Audience> &others)
 {
     RangeConflicts conflicts;
-    for (const AgeRange &other : others) {
+    for (const Audience &other : others) {
         if (!other.sharesGenderWith(entered))
             continue;
         conflicts.defaults = conflicts.defaults || (entered.isDefault && other.isDefault);

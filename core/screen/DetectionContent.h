@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Gender.h"
+#include "core/screen/Gender.h"
 
 #include <QList>
 #include <QMap>
@@ -59,11 +59,5 @@ DetectionContents detectionContents(
 
 /// The content of @p sequenceNumber; an invalid one when there is none.
 DetectionContent findContent(const DetectionContents &contents, qint64 sequenceNumber);
-
-/// The "type" that the plug-in gives its entries of a screen's "contents" list; the host's code.
-constexpr int ContentEntryType = 8;
-
-/// One entry for a screen's "contents" list.
-QVariantMap contentEntry(const QString &name, int ageMin, int ageMax, int genders, bool isDefault);
 
 } // namespace PluginKrHvcP2

@@ -1,6 +1,6 @@
 #include "GuiTestData.h"
 
-#include "gui/AgeRange.h"
+#include "gui/AudienceRules.h"
 
 #include <QtTest>
 
@@ -12,13 +12,13 @@
 using namespace GuiTest;
 using namespace PluginKrHvcP2;
 
-Q_DECLARE_METATYPE(PluginKrHvcP2::AgeRange)
+Q_DECLARE_METATYPE(PluginKrHvcP2::Audience)
 
 namespace {
 
 constexpr unsigned RandomSeed = 20261;
 
-QString describe(const AgeRange &range)
+QString describe(const Audience &range)
 {
     return "%1-%2 gender %3%4"_s.arg(range.ageMin)
         .arg(range.ageMax)
@@ -26,27 +26,27 @@ QString describe(const AgeRange &range)
         .arg(range.isDefault ? " default"_s : QString());
 }
 
-QStringList describe(const QVector<AgeRange> &ranges)
+QStringList describe(const QVector<Audience> &ranges)
 {
     QStringList result;
-    for (const AgeRange &range : ranges)
+    for (const Audience &range : ranges)
         result.append(describe(range));
     return result;
 }
 
-QString describe(const std::optional<AgeRange> &range)
+QString describe(const std::optional<Audience> &range)
 {
     return range ? describe(*range) : "none"_s;
 }
 
-AgeRange range(int ageMin, int ageMax, int gender, bool isDefault = false)
+Audience range(int ageMin, int ageMax, int gender, bool isDefault = false)
 {
     return {ageMin, ageMax, gender, isDefault};
 }
 
-QVector<AgeRange> sorted(QVector<AgeRange> ranges)
+QVector<Audience> sorted(QVector<Audience> ranges)
 {
-    std::stable_sort(ranges.begin(), ranges.end(), [](const AgeRange &a, const AgeRange &b) {
+    std::stable_sort(ranges.begin(), ranges.end(), [](const Audience &a, const Audience &b) {
         return a.ageMin != b.ageMin ? a.ageMin < b.ageMin : a.ageMax < b.ageMax;
     });
     return ranges;
@@ -67,12 +67,12 @@ bool lies(int value, int low, int high)
 }
 
 /// The rules for free ranges, step by step and without any thought of speed.
-QVector<AgeRange> referenceFreeRanges(const QVector<AgeRange> &contents)
+QVector<Audience> referenceFreeRanges(const QVector<Audience> &contents)
 {
-    QVector<AgeRange> result;
+    QVector<Audience> result;
     const auto add = [&result](int low, int high, int gender) {
         bool isThere = false;
-        for (const AgeRange &known : result) {
+        for (const Audience &known : result) {
             isThere = isThere
                 || (known.ageMin == low && known.ageMax == high && known.gender == gender
                     && !known.isDefault);
@@ -81,8 +81,8 @@ QVector<AgeRange> referenceFreeRanges(const QVector<AgeRange> &contents)
             result.append(range(low, high, gender));
     };
     for (int gender = 1; gender <= 3; ++gender) {
-        QVector<AgeRange> taking;
-        for (const AgeRange &content : contents) {
+        QVector<Audience> taking;
+        for (const Audience &content : contents) {
             if (shareBit(content.gender, gender))
                 taking.append(content);
         }
@@ -108,13 +108,13 @@ QVector<AgeRange> referenceFreeRanges(const QVector<AgeRange> &contents)
 }
 
 /// What well-formed contents leave free, found by looking at every single age.
-QVector<AgeRange> bruteForceFreeRanges(const QVector<AgeRange> &contents)
+QVector<Audience> bruteForceFreeRanges(const QVector<Audience> &contents)
 {
-    QVector<AgeRange> result;
+    QVector<Audience> result;
     for (int gender = 1; gender <= 3; ++gender) {
         std::array<bool, 76> covered{};
         bool hasRival = false;
-        for (const AgeRange &content : contents) {
+        for (const Audience &content : contents) {
             if (!shareBit(content.gender, gender))
                 continue;
             hasRival = true;
@@ -137,13 +137,13 @@ QVector<AgeRange> bruteForceFreeRanges(const QVector<AgeRange> &contents)
     return result;
 }
 
-std::optional<AgeRange> referenceNextRange(const AgeRange &current, const QVector<AgeRange> &free)
+std::optional<Audience> referenceNextRange(const Audience &current, const QVector<Audience> &free)
 {
     if (free.isEmpty())
         return std::nullopt;
     QMap<int, int> indexByPriority;
     for (int i = 0; i < free.size(); ++i) {
-        const AgeRange &f = free[i];
+        const Audience &f = free[i];
         if (f.ageMin > f.ageMax)
             continue;
         if (!lies(current.ageMin, f.ageMin, f.ageMax) && !lies(current.ageMax, f.ageMin, f.ageMax))
@@ -162,10 +162,10 @@ std::optional<AgeRange> referenceNextRange(const AgeRange &current, const QVecto
         return index == free.size() - 1 ? free[0] : free[index + 1];
     }
     int highest = 0;
-    for (const AgeRange &f : free)
+    for (const Audience &f : free)
         highest = qMax(highest, f.gender);
-    AgeRange result;
-    for (const AgeRange &f : free) {
+    Audience result;
+    for (const Audience &f : free) {
         if (f.gender == highest)
             result = f;
     }
@@ -180,7 +180,7 @@ public:
         return low + static_cast<int>(m_engine() % static_cast<unsigned>(high - low + 1));
     }
 
-    AgeRange wellFormed()
+    Audience wellFormed()
     {
         const int ageMin = number(0, 75);
         // Short ones leave more free.
@@ -188,15 +188,15 @@ public:
         return range(ageMin, ageMax, number(1, 3), number(0, 3) == 0);
     }
 
-    AgeRange any()
+    Audience any()
     {
         return range(number(-5, 85), number(-5, 85), number(0, 3), number(0, 3) == 0);
     }
 
     template <typename Make>
-    QVector<AgeRange> list(int maximum, Make make)
+    QVector<Audience> list(int maximum, Make make)
     {
-        QVector<AgeRange> result(number(0, maximum));
+        QVector<Audience> result(number(0, maximum));
         std::generate(result.begin(), result.end(), make);
         return result;
     }
@@ -207,7 +207,7 @@ private:
 
 } // namespace
 
-class tst_AgeRange : public QObject
+class tst_AudienceRules : public QObject
 {
     Q_OBJECT
 
@@ -229,10 +229,10 @@ private slots:
     void proposalsOfFreeRangesNeverConflict();
 };
 
-void tst_AgeRange::readsEntry_data()
+void tst_AudienceRules::readsEntry_data()
 {
     QTest::addColumn<QVariant>("entry");
-    QTest::addColumn<AgeRange>("expected");
+    QTest::addColumn<Audience>("expected");
 
     const auto params = [](const QVariantMap &map) {
         return QVariant(QVariantMap{{"type"_s, 8}, {"params"_s, map}});
@@ -272,14 +272,14 @@ void tst_AgeRange::readsEntry_data()
     QTest::newRow("null entry") << QVariant() << range(0, 75, 0);
 }
 
-void tst_AgeRange::readsEntry()
+void tst_AudienceRules::readsEntry()
 {
     QFETCH(QVariant, entry);
-    QFETCH(AgeRange, expected);
-    QCOMPARE(describe(contentRange(entry)), describe(expected));
+    QFETCH(Audience, expected);
+    QCOMPARE(describe(audienceForEditing(entry)), describe(expected));
 }
 
-void tst_AgeRange::sortsContents_data()
+void tst_AudienceRules::sortsContents_data()
 {
     QTest::addColumn<QVariantList>("contents");
     QTest::addColumn<QStringList>("expected");
@@ -305,19 +305,19 @@ void tst_AgeRange::sortsContents_data()
         << QStringList{"0-75 gender 0"_s, "0-75 gender 0"_s, "10-20 gender 1"_s};
 }
 
-void tst_AgeRange::sortsContents()
+void tst_AudienceRules::sortsContents()
 {
     QFETCH(QVariantList, contents);
     QFETCH(QStringList, expected);
     QCOMPARE(describe(contentRanges(contents)), expected);
 }
 
-void tst_AgeRange::findsFreeRanges_data()
+void tst_AudienceRules::findsFreeRanges_data()
 {
-    QTest::addColumn<QVector<AgeRange>>("contents");
+    QTest::addColumn<QVector<Audience>>("contents");
     QTest::addColumn<QStringList>("expected");
 
-    using Ranges = QVector<AgeRange>;
+    using Ranges = QVector<Audience>;
     QTest::newRow("a screen without contents has none") << Ranges() << QStringList();
     QTest::newRow("a gap in the middle is free for each gender")
         << Ranges{range(0, 19, 3), range(30, 75, 3)}
@@ -373,20 +373,20 @@ void tst_AgeRange::findsFreeRanges_data()
         << QStringList{"%1-4 gender 2"_s.arg(Lowest + 1), "%1-4 gender 3"_s.arg(Lowest + 1)};
 }
 
-void tst_AgeRange::findsFreeRanges()
+void tst_AudienceRules::findsFreeRanges()
 {
-    QFETCH(QVector<AgeRange>, contents);
+    QFETCH(QVector<Audience>, contents);
     QFETCH(QStringList, expected);
     QCOMPARE(describe(freeRanges(contents)), expected);
 }
 
-void tst_AgeRange::findsNextRange_data()
+void tst_AudienceRules::findsNextRange_data()
 {
-    QTest::addColumn<AgeRange>("current");
-    QTest::addColumn<QVector<AgeRange>>("free");
+    QTest::addColumn<Audience>("current");
+    QTest::addColumn<QVector<Audience>>("free");
     QTest::addColumn<QString>("expected");
 
-    using Ranges = QVector<AgeRange>;
+    using Ranges = QVector<Audience>;
     const Ranges gap{range(20, 29, 1), range(20, 29, 2), range(20, 29, 3)};
     const Ranges mixed{range(0, 9, 1), range(40, 49, 1), range(0, 9, 2), range(40, 49, 2),
         range(0, 9, 3), range(40, 49, 3)};
@@ -444,34 +444,34 @@ void tst_AgeRange::findsNextRange_data()
         << range(0, 9, 2, true) << mixed << "40-49 gender 2"_s;
 }
 
-void tst_AgeRange::findsNextRange()
+void tst_AudienceRules::findsNextRange()
 {
-    QFETCH(AgeRange, current);
-    QFETCH(QVector<AgeRange>, free);
+    QFETCH(Audience, current);
+    QFETCH(QVector<Audience>, free);
     QFETCH(QString, expected);
     QCOMPARE(describe(nextRange(current, free)), expected);
 }
 
-void tst_AgeRange::walksThroughAllFreeRanges()
+void tst_AudienceRules::walksThroughAllFreeRanges()
 {
-    const QVector<AgeRange> free = freeRanges({range(20, 30, 2), range(20, 30, 1)});
+    const QVector<Audience> free = freeRanges({range(20, 30, 2), range(20, 30, 1)});
     QStringList visited;
-    AgeRange current = free.last();
+    Audience current = free.last();
     for (int i = 0; i < free.size(); ++i) {
-        current = nextRange(current, free).value_or(AgeRange());
+        current = nextRange(current, free).value_or(Audience());
         visited.append(describe(current));
     }
     QCOMPARE(visited, describe(free));
 }
 
-void tst_AgeRange::findsConflicts_data()
+void tst_AudienceRules::findsConflicts_data()
 {
-    QTest::addColumn<AgeRange>("entered");
-    QTest::addColumn<QVector<AgeRange>>("others");
+    QTest::addColumn<Audience>("entered");
+    QTest::addColumn<QVector<Audience>>("others");
     QTest::addColumn<bool>("ages");
     QTest::addColumn<bool>("defaults");
 
-    using Ranges = QVector<AgeRange>;
+    using Ranges = QVector<Audience>;
     QTest::newRow("no others") << range(0, 75, 3, true) << Ranges() << false << false;
     QTest::newRow("40 to 50 reaches into 45 to 60")
         << range(40, 50, 1) << Ranges{range(45, 60, 1)} << true << false;
@@ -529,10 +529,10 @@ void tst_AgeRange::findsConflicts_data()
         << range(20, 25, 1) << Ranges{range(25, 30, 1), range(60, 61, 1)} << true << false;
 }
 
-void tst_AgeRange::findsConflicts()
+void tst_AudienceRules::findsConflicts()
 {
-    QFETCH(AgeRange, entered);
-    QFETCH(QVector<AgeRange>, others);
+    QFETCH(Audience, entered);
+    QFETCH(QVector<Audience>, others);
     QFETCH(bool, ages);
     QFETCH(bool, defaults);
     const RangeConflicts conflicts = PluginKrHvcP2::findConflicts(entered, others);
@@ -540,15 +540,15 @@ void tst_AgeRange::findsConflicts()
     QCOMPARE(conflicts.defaults, defaults);
 }
 
-void tst_AgeRange::freeRangesAgreeWithEverySingleAge()
+void tst_AudienceRules::freeRangesAgreeWithEverySingleAge()
 {
     RandomRanges random;
     int withFreeRanges = 0;
     for (int i = 0; i < 10000; ++i) {
-        const QVector<AgeRange> contents
+        const QVector<Audience> contents
             = sorted(random.list(20, [&random] { return random.wellFormed(); }));
-        const QVector<AgeRange> expected = bruteForceFreeRanges(contents);
-        const QVector<AgeRange> actual = freeRanges(contents);
+        const QVector<Audience> expected = bruteForceFreeRanges(contents);
+        const QVector<Audience> actual = freeRanges(contents);
         if (actual != expected) {
             qInfo() << "set" << i << describe(contents);
             QCOMPARE(describe(actual), describe(expected));
@@ -558,14 +558,14 @@ void tst_AgeRange::freeRangesAgreeWithEverySingleAge()
     QVERIFY2(withFreeRanges > 1000 && withFreeRanges < 10000, "the sets must be of both kinds");
 }
 
-void tst_AgeRange::freeRangesOfAnyContentsAgreeWithReference()
+void tst_AudienceRules::freeRangesOfAnyContentsAgreeWithReference()
 {
     RandomRanges random;
     for (int i = 0; i < 10000; ++i) {
-        const QVector<AgeRange> contents
+        const QVector<Audience> contents
             = sorted(random.list(12, [&random] { return random.any(); }));
-        const QVector<AgeRange> expected = referenceFreeRanges(contents);
-        const QVector<AgeRange> actual = freeRanges(contents);
+        const QVector<Audience> expected = referenceFreeRanges(contents);
+        const QVector<Audience> actual = freeRanges(contents);
         if (actual != expected) {
             qInfo() << "set" << i << describe(contents);
             QCOMPARE(describe(actual), describe(expected));
@@ -573,41 +573,41 @@ void tst_AgeRange::freeRangesOfAnyContentsAgreeWithReference()
     }
 }
 
-void tst_AgeRange::nextRangesAgreeWithReference()
+void tst_AudienceRules::nextRangesAgreeWithReference()
 {
     RandomRanges random;
     int different = 0; // from the range that is taken when nothing touches
     for (int i = 0; i < 10000; ++i) {
-        QVector<AgeRange> free
+        QVector<Audience> free
             = freeRanges(sorted(random.list(12, [&random] { return random.any(); })));
         // As "Find Range" leaves it: with what was entered before.
         free += random.list(3, [&random] { return random.any(); });
-        const AgeRange current = random.any();
-        const std::optional<AgeRange> expected = referenceNextRange(current, free);
-        const std::optional<AgeRange> actual = nextRange(current, free);
+        const Audience current = random.any();
+        const std::optional<Audience> expected = referenceNextRange(current, free);
+        const std::optional<Audience> actual = nextRange(current, free);
         if (actual.has_value() != expected.has_value() || (actual && !(*actual == *expected))) {
             qInfo() << "set" << i << describe(current) << "in" << describe(free);
             QCOMPARE(describe(actual), describe(expected));
         }
-        const std::optional<AgeRange> untouched = referenceNextRange(range(1000, 1000, 0), free);
+        const std::optional<Audience> untouched = referenceNextRange(range(1000, 1000, 0), free);
         if (actual && !(*actual == *untouched))
             ++different;
     }
     QVERIFY2(different > 1000, "the current ranges must touch often enough");
 }
 
-void tst_AgeRange::proposalsOfFreeRangesNeverConflict()
+void tst_AudienceRules::proposalsOfFreeRangesNeverConflict()
 {
     RandomRanges random;
     for (int i = 0; i < 2000; ++i) {
-        const QVector<AgeRange> contents
+        const QVector<Audience> contents
             = sorted(random.list(12, [&random] { return random.wellFormed(); }));
-        const QVector<AgeRange> free = freeRanges(contents);
-        for (const AgeRange &proposal : free)
+        const QVector<Audience> free = freeRanges(contents);
+        for (const Audience &proposal : free)
             QVERIFY2(!PluginKrHvcP2::findConflicts(proposal, contents).ages,
                 qPrintable(describe(proposal)));
     }
 }
 
-QTEST_GUILESS_MAIN(tst_AgeRange)
-#include "tst_agerange.moc"
+QTEST_GUILESS_MAIN(tst_AudienceRules)
+#include "tst_audiencerules.moc"

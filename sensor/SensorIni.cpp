@@ -1,4 +1,4 @@
-#include "core/SensorIni.h"
+#include "sensor/SensorIni.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +10,7 @@ namespace PluginKrHvcP2 {
 
 namespace {
 
-Q_LOGGING_CATEGORY(krhvcCore, "krhvcp2.core", QtWarningMsg)
+Q_LOGGING_CATEGORY(krhvcSensor, "krhvcp2.sensor", QtWarningMsg)
 
 constexpr int LargestIni = 64 * 1024; // bytes
 
@@ -56,12 +56,12 @@ bool isReadable(const QString &fileName)
 
     const QByteArray ini = file.read(LargestIni + 1);
     if (ini.size() > LargestIni) {
-        qCDebug(krhvcCore, "%ls counts as missing: it is larger than %d bytes",
+        qCDebug(krhvcSensor, "%ls counts as missing: it is larger than %d bytes",
             qUtf16Printable(fileName), LargestIni);
         return false;
     }
     if (holdsStoredObject(ini)) {
-        qCDebug(krhvcCore, "%ls counts as missing: it holds \"@Variant(\" or \"@DateTime(\"",
+        qCDebug(krhvcSensor, "%ls counts as missing: it holds \"@Variant(\" or \"@DateTime(\"",
             qUtf16Printable(fileName));
         return false;
     }

@@ -1,4 +1,4 @@
-#include "core/SensorIni.h"
+#include "sensor/SensorIni.h"
 
 #include <QFile>
 #include <QLoggingCategory>
@@ -193,7 +193,7 @@ void tst_SensorIni::sayInTheTraceWhatCountsAsMissing()
     QFETCH(QByteArray, content);
     QFETCH(QString, expected);
     QVERIFY(write(content));
-    QLoggingCategory::setFilterRules(QStringLiteral("krhvcp2.core.debug=true"));
+    QLoggingCategory::setFilterRules(QStringLiteral("krhvcp2.sensor.debug=true"));
     QTest::ignoreMessage(QtDebugMsg, qPrintable(m_fileName + expected));
     readSensorIni(m_fileName, Defaults);
     QLoggingCategory::setFilterRules(QString());

@@ -1,6 +1,6 @@
-#include "core/DetectionContent.h"
+#include "core/screen/DetectionContent.h"
 
-#include "core/ScreenSettings.h"
+#include "core/screen/ContentEntry.h"
 #include "host/KrPluginKeys.h"
 
 #include <QSet>
@@ -22,32 +22,6 @@ std::optional<int> toInt(const QVariant &value)
     bool ok = false;
     const int number = value.toInt(&ok);
     return ok ? std::optional<int>(number) : std::nullopt;
-}
-
-void readAge(const QVariant &value, int &age)
-{
-    if (const std::optional<int> number = toInt(value))
-        age = *number;
-}
-
-DetectionContent readContent(const QVariantMap &entry, int sequenceNumber)
-{
-    DetectionContent content;
-    content.sequenceNumber = sequenceNumber;
-    const QVariantMap params = entry.value(QStringLiteral("params")).toMap();
-    for (auto it = params.cbegin(); it != params.cend(); ++it) {
-        const auto isKey
-            = [&](const QString &key) { return it.key().compare(key, Qt::CaseInsensitive) == 0; };
-        if (isKey(Keys::AgeMin))
-            readAge(it.value(), content.ageMin);
-        else if (isKey(Keys::AgeMax))
-            readAge(it.value(), content.ageMax);
-        else if (isKey(Keys::Gender))
-            content.genders = genderFromText(it.value().toString());
-        else if (isKey(Keys::Default))
-            content.isDefault = isTrueText(it.value());
-    }
-    return content;
 }
 
 /// What keeps a content from being valid; TakesPart when nothing does.
@@ -138,7 +112,8 @@ DetectionTable detectionTable(const QVariantMap &screen, const QMap<int, QVarian
 
     DetectionContents valid;
     for (int position = 0; position < entries.size(); ++position) {
-        const DetectionContent content = readContent(entries.at(position).toMap(), position + 1);
+        const DetectionContent content
+            = contentForDetection(entries.at(position).toMap(), position + 1);
         table.reasons[position] = validity(content);
         if (content.isValid())
             valid.append(content);
@@ -170,18 +145,6 @@ DetectionContent findContent(const DetectionContents &contents, qint64 sequenceN
     const auto it = std::find_if(contents.cbegin(), contents.cend(),
         [=](const DetectionContent &content) { return content.sequenceNumber == sequenceNumber; });
     return it != contents.cend() ? *it : DetectionContent();
-}
-
-QVariantMap contentEntry(const QString &name, int ageMin, int ageMax, int genders, bool isDefault)
-{
-    const QVariantMap params{
-        {Keys::Name, name},
-        {Keys::AgeMin, ageMin},
-        {Keys::AgeMax, ageMax},
-        {Keys::Gender, genderToText(genders)},
-        {Keys::Default, isDefault ? Keys::True : Keys::False},
-    };
-    return {{QStringLiteral("type"), ContentEntryType}, {QStringLiteral("params"), params}};
 }
 
 } // namespace PluginKrHvcP2
