@@ -107,25 +107,25 @@ public:
     QString chunk()
     {
         // Many chunks have to pass, and the others have to be close to those.
-        m_numberBits = 1 + upTo(31);
-        m_oddOneIn = 8 << upTo(8);
+        m_numberBits = 1 + atMost(31);
+        m_oddOneIn = 8 << atMost(8);
         QString text = any(labels());
-        for (int runs = 1 + upTo(3); runs > 0; --runs) {
+        for (int runs = 1 + atMost(3); runs > 0; --runs) {
             QString run;
-            for (int pieces = 1 + upTo(4); pieces > 0; --pieces)
+            for (int pieces = 1 + atMost(4); pieces > 0; --pieces)
                 run += piece();
-            text += run.repeated(1 << upTo(9));
+            text += run.repeated(1 << atMost(9));
         }
         return text;
     }
 
 private:
-    int upTo(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
-    bool isOdd() { return upTo(m_oddOneIn) == 0; }
-    const QString &any(const QStringList &list) { return list.at(upTo(list.size())); }
+    int atMost(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
+    bool isOdd() { return atMost(m_oddOneIn) == 0; }
+    const QString &any(const QStringList &list) { return list.at(atMost(list.size())); }
     const QString &anyOf(const QStringList &costly, const QStringList &all)
     {
-        return upTo(3) == 0 ? any(all) : any(costly);
+        return atMost(3) == 0 ? any(all) : any(costly);
     }
 
     static const QStringList &labels()
@@ -137,13 +137,13 @@ private:
 
     QString piece()
     {
-        switch (upTo(8)) {
+        switch (atMost(8)) {
         case 0:
             return QLatin1Char('\n') + any(labels());
         case 1:
             return isOdd() ? any(m_dictionary.others) : "x "_s;
         case 2:
-            return QString(1 << upTo(7), QLatin1Char('x'));
+            return QString(1 << atMost(7), QLatin1Char('x'));
         case 3:
             return QString(element()).replace(0, 1, "</"_s);
         default:
@@ -162,8 +162,8 @@ private:
     {
         QString text = element();
         text.chop(1);
-        for (int i = upTo(3); i > 0; --i)
-            text += QLatin1Char(' ') + (upTo(2) == 0 ? attribute() : style());
+        for (int i = atMost(3); i > 0; --i)
+            text += QLatin1Char(' ') + (atMost(2) == 0 ? attribute() : style());
         return text + QLatin1Char('>');
     }
 
@@ -181,7 +181,7 @@ private:
             "font-size:"_s, "line-height:"_s, "text-indent:"_s, "float:"_s, "white-space:"_s};
         static const QStringList units{"px"_s, "px"_s, "pt"_s, "%"_s};
         QString text = "style='"_s;
-        for (int i = 1 + upTo(2); i > 0; --i) {
+        for (int i = 1 + atMost(2); i > 0; --i) {
             const QString name = anyOf(costly, m_dictionary.properties);
             text += name + value(any(units)) + QLatin1Char(';');
         }
@@ -193,9 +193,9 @@ private:
         static const QStringList words{"left"_s, "right"_s, "pre"_s, "nowrap"_s, "always"_s};
         if (isOdd())
             return any(m_dictionary.others);
-        if (upTo(4) == 0)
+        if (atMost(4) == 0)
             return any(words);
-        return QString::number((1LL << upTo(m_numberBits)) - 1) + unit;
+        return QString::number((1LL << atMost(m_numberBits)) - 1) + unit;
     }
 
     const Dictionary &m_dictionary;
