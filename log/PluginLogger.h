@@ -90,7 +90,6 @@ private:
     void writeQueue(const LogSettings &settings, const QDir &directory);
     bool appendRecord(
         const LogSettings &settings, const QDir &directory, const Record &record) const;
-    bool isFree(const QString &lockPath, QString &awaitedLock) const;
     void cleanUpDaily(const LogSettings &settings);
     void reportLostRecords();
 
