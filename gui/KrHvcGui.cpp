@@ -21,7 +21,6 @@ namespace PluginKrHvcP2 {
 
 namespace {
 
-constexpr int MaximumContentCount = 20;
 constexpr int ContentDialogRoom = 300;
 constexpr int ScreenDialogRoom = 360;
 constexpr QSize ScreenDialogSize{300, 300};
@@ -85,26 +84,6 @@ KrHvcGui::~KrHvcGui()
         m_screenDialog->reject();
 }
 
-bool KrHvcGui::hasScreenPropertyWidget() const
-{
-    return true;
-}
-
-int KrHvcGui::screenPropertyKind() const
-{
-    return 1;
-}
-
-bool KrHvcGui::hasStagePropertyWidget() const
-{
-    return false;
-}
-
-bool KrHvcGui::hasScreenPropertyDialog() const
-{
-    return true;
-}
-
 QWidget *KrHvcGui::screenPropertyWidget()
 {
     return screenWidget();
@@ -122,11 +101,6 @@ int KrHvcGui::execScreenPropertyDialog(const QRect &anchor)
     return dialog->exec();
 }
 
-bool KrHvcGui::hasPluginPropertyActions() const
-{
-    return true;
-}
-
 QList<QAction *> KrHvcGui::pluginPropertyActions()
 {
     if (m_pluginPropertyActions.isEmpty()) {
@@ -136,31 +110,6 @@ QList<QAction *> KrHvcGui::pluginPropertyActions()
         m_pluginPropertyActions.append(action);
     }
     return m_pluginPropertyActions;
-}
-
-bool KrHvcGui::canEditContents() const
-{
-    return true;
-}
-
-int KrHvcGui::maximumContentCount() const
-{
-    return MaximumContentCount;
-}
-
-int KrHvcGui::contentKind() const
-{
-    return 2;
-}
-
-bool KrHvcGui::canReorderContents() const
-{
-    return false;
-}
-
-bool KrHvcGui::hasContentPropertyWidget() const
-{
-    return true;
 }
 
 QWidget *KrHvcGui::contentPropertyWidget()
@@ -174,11 +123,6 @@ void KrHvcGui::execContentPropertyDialog(int seqIndex, const QRect &anchor)
     showContentDialog(tr("HVC Detection Property"), anchor);
 }
 
-bool KrHvcGui::canAddContents() const
-{
-    return true;
-}
-
 QList<QAction *> KrHvcGui::addContentActions()
 {
     if (m_addContentActions.isEmpty()) {
@@ -188,11 +132,6 @@ QList<QAction *> KrHvcGui::addContentActions()
         m_addContentActions.append(action);
     }
     return m_addContentActions;
-}
-
-QObject *KrHvcGui::object()
-{
-    return this;
 }
 
 void KrHvcGui::onContentPropertyAccepted()

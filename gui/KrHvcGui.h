@@ -28,24 +28,24 @@ public:
     explicit KrHvcGui(QObject *parent = nullptr);
     ~KrHvcGui() override;
 
-    bool hasScreenPropertyWidget() const override;
-    int screenPropertyKind() const override;
-    bool hasStagePropertyWidget() const override;
-    bool hasScreenPropertyDialog() const override;
+    bool hasScreenPropertyWidget() const override { return true; }
+    int screenPropertyKind() const override { return 1; }
+    bool hasStagePropertyWidget() const override { return false; }
+    bool hasScreenPropertyDialog() const override { return true; }
     QWidget *screenPropertyWidget() override;
     int execScreenPropertyDialog(const QRect &anchor) override;
-    bool hasPluginPropertyActions() const override;
+    bool hasPluginPropertyActions() const override { return true; }
     QList<QAction *> pluginPropertyActions() override;
-    bool canEditContents() const override;
-    int maximumContentCount() const override;
-    int contentKind() const override;
-    bool canReorderContents() const override;
-    bool hasContentPropertyWidget() const override;
+    bool canEditContents() const override { return true; }
+    int maximumContentCount() const override { return 20; }
+    int contentKind() const override { return 2; }
+    bool canReorderContents() const override { return false; }
+    bool hasContentPropertyWidget() const override { return true; }
     QWidget *contentPropertyWidget() override;
     void execContentPropertyDialog(int seqIndex, const QRect &anchor) override;
-    bool canAddContents() const override;
+    bool canAddContents() const override { return true; }
     QList<QAction *> addContentActions() override;
-    QObject *object() override;
+    QObject *object() override { return this; }
 
     // Hosts connect by name and index, and invoke the slots by name: keep their order.
 signals:
