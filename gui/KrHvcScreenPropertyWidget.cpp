@@ -1,6 +1,5 @@
 #include "gui/KrHvcScreenPropertyWidget.h"
 
-#include "core/screen/ScreenSettings.h"
 #include "gui/BuddyLabel.h"
 #include "host/KrPluginKeys.h"
 
@@ -19,20 +18,15 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
-QSpinBox *createSpinBox(const QString &name, int minimum, int maximum, int step, int value)
+constexpr int IntervalStep = 100; // milliseconds
+
+QSpinBox *createSpinBox(const QString &name, const IntegerRange &range)
 {
     auto *spinBox = new QSpinBox;
     spinBox->setObjectName(name);
-    spinBox->setRange(minimum, maximum);
-    spinBox->setSingleStep(step);
-    spinBox->setValue(value);
+    spinBox->setRange(range.minimum, range.maximum);
     spinBox->setAlignment(Qt::AlignRight);
     return spinBox;
-}
-
-QSpinBox *createConfidenceSpinBox(const QString &name)
-{
-    return createSpinBox(name, 0, 1000, 1, 0);
 }
 
 /// A small text below what it explains. Layouts reckon with a wrapped text's height only while
@@ -79,18 +73,14 @@ KrHvcScreenPropertyWidget::KrHvcScreenPropertyWidget(QWidget *parent)
     layout->addLayout(createMonitoringBox());
     layout->addItem(new QSpacerItem(16, 16, QSizePolicy::Minimum, QSizePolicy::Minimum));
     layout->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
+    showSettings(ScreenSettings::ofNewScreen());
 }
 
 void KrHvcScreenPropertyWidget::loadValues()
 {
     if (m_pluginData == nullptr)
         return;
-    const QVariantMap settings = m_pluginData->toMap().value(Keys::PluginData).toMap();
-    const QList<Field> allFields = fields();
-    for (const Field &field : allFields)
-        field.spinBox->setValue(settings.value(field.key, field.loadDefault).toInt());
-    m_visibleMonitoring->setChecked(
-        isTrueText(settings.value(Keys::DisplayMonitoring, Keys::False)));
+    showSettings(ScreenSettings::fromStored(m_pluginData->toMap().value(Keys::PluginData).toMap()));
 }
 
 bool KrHvcScreenPropertyWidget::applyValues()
@@ -99,25 +89,12 @@ bool KrHvcScreenPropertyWidget::applyValues()
         return true;
 
     QVariantMap screen = m_pluginData->toMap();
-    QVariantMap settings = screen.value(Keys::PluginData).toMap();
-    bool changed = false;
-    const QList<Field> allFields = fields();
-    for (const Field &field : allFields) {
-        const int value = field.spinBox->value();
-        if (settings.value(field.key, -1).toInt() == value)
-            continue;
-        settings.insert(field.key, value);
-        changed = true;
-    }
-    const bool visible = m_visibleMonitoring->isChecked();
-    if (isTrueText(settings.value(Keys::DisplayMonitoring, Keys::False)) != visible) {
-        settings.insert(Keys::DisplayMonitoring, visible ? Keys::True : Keys::False);
-        changed = true;
-    }
-    if (!changed)
+    const std::optional<QVariantMap> edited
+        = editedSettings(screen.value(Keys::PluginData).toMap(), enteredSettings());
+    if (!edited)
         return true;
 
-    screen.insert(Keys::PluginData, settings);
+    screen.insert(Keys::PluginData, *edited);
     *m_pluginData = screen;
     emit screenValuesUpdated(screen.value(Keys::Id, -1).toInt(), {}); // may delete this
     return true;
@@ -126,19 +103,38 @@ bool KrHvcScreenPropertyWidget::applyValues()
 QList<KrHvcScreenPropertyWidget::Field> KrHvcScreenPropertyWidget::fields() const
 {
     return {
-        {Keys::Interval, m_interval, 500},
-        {Keys::FaceDetectionConfidence, m_faceDetectionConfidence, 0},
-        {Keys::FaceDirectionConfidence, m_faceDirectionConfidence, 0},
-        {Keys::AgeConfidence, m_ageConfidence, 0},
-        {Keys::GenderConfidence, m_genderConfidence, 0},
-        {Keys::Concurrent, m_concurrent, 1},
-        {Keys::EventSendingLimit, m_eventRestriction, 5000},
+        {&ScreenSettings::interval, m_interval},
+        {&ScreenSettings::faceDetectionConfidence, m_faceDetectionConfidence},
+        {&ScreenSettings::faceDirectionConfidence, m_faceDirectionConfidence},
+        {&ScreenSettings::ageConfidence, m_ageConfidence},
+        {&ScreenSettings::genderConfidence, m_genderConfidence},
+        {&ScreenSettings::concurrent, m_concurrent},
+        {&ScreenSettings::eventSendingLimit, m_eventRestriction},
     };
+}
+
+void KrHvcScreenPropertyWidget::showSettings(const ScreenSettings &settings)
+{
+    const QList<Field> allFields = fields();
+    for (const Field &field : allFields)
+        field.spinBox->setValue(settings.*field.member);
+    m_visibleMonitoring->setChecked(settings.displayMonitoring);
+}
+
+ScreenSettings KrHvcScreenPropertyWidget::enteredSettings() const
+{
+    ScreenSettings entered;
+    const QList<Field> allFields = fields();
+    for (const Field &field : allFields)
+        entered.*field.member = field.spinBox->value();
+    entered.displayMonitoring = m_visibleMonitoring->isChecked();
+    return entered;
 }
 
 QBoxLayout *KrHvcScreenPropertyWidget::createIntervalRow()
 {
-    m_interval = createSpinBox(QStringLiteral("interval"), 10, 360000, 100, 1000);
+    m_interval = createSpinBox(QStringLiteral("interval"), EditableInterval);
+    m_interval->setSingleStep(IntervalStep);
     auto *row = new QHBoxLayout;
     row->addWidget(createBuddyLabel(tr("Getting Data Interval:"), m_interval));
     row->addWidget(m_interval);
@@ -149,10 +145,12 @@ QBoxLayout *KrHvcScreenPropertyWidget::createIntervalRow()
 
 QWidget *KrHvcScreenPropertyWidget::createConfidenceGroup()
 {
-    m_faceDetectionConfidence = createConfidenceSpinBox(QStringLiteral("faceDetectionConfidence"));
-    m_faceDirectionConfidence = createConfidenceSpinBox(QStringLiteral("faceDirectionConfidence"));
-    m_ageConfidence = createConfidenceSpinBox(QStringLiteral("ageConfidence"));
-    m_genderConfidence = createConfidenceSpinBox(QStringLiteral("genderConfidence"));
+    m_faceDetectionConfidence
+        = createSpinBox(QStringLiteral("faceDetectionConfidence"), ConfidenceRange);
+    m_faceDirectionConfidence
+        = createSpinBox(QStringLiteral("faceDirectionConfidence"), ConfidenceRange);
+    m_ageConfidence = createSpinBox(QStringLiteral("ageConfidence"), ConfidenceRange);
+    m_genderConfidence = createSpinBox(QStringLiteral("genderConfidence"), ConfidenceRange);
 
     auto *group = new QGroupBox(tr("Confidence"));
     auto *grid = new QGridLayout(group);
@@ -170,7 +168,7 @@ QWidget *KrHvcScreenPropertyWidget::createConfidenceGroup()
 
 QBoxLayout *KrHvcScreenPropertyWidget::createConcurrentRow()
 {
-    m_concurrent = createSpinBox(QStringLiteral("concurrent"), 1, 20, 1, 1);
+    m_concurrent = createSpinBox(QStringLiteral("concurrent"), ConcurrentRange);
     auto *row = new QHBoxLayout;
     row->addWidget(createBuddyLabel(tr("Concurrent Event:"), m_concurrent));
     row->addWidget(m_concurrent);
@@ -181,7 +179,8 @@ QBoxLayout *KrHvcScreenPropertyWidget::createConcurrentRow()
 
 QGridLayout *KrHvcScreenPropertyWidget::createRestrictionGrid()
 {
-    m_eventRestriction = createSpinBox(QStringLiteral("eventRestriction"), 0, 86400000, 1, 5000);
+    m_eventRestriction
+        = createSpinBox(QStringLiteral("eventRestriction"), EditableEventSendingLimit);
     auto *grid = new QGridLayout;
     grid->setVerticalSpacing(2);
     grid->addWidget(createBuddyLabel(tr("Event Restriction:"), m_eventRestriction), 0, 0);

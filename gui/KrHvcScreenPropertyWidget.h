@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/screen/ScreenSettings.h"
+
 #include <QList>
 #include <QWidget>
 
@@ -32,12 +34,13 @@ signals:
 private:
     struct Field
     {
-        QString key;
+        int ScreenSettings::*member;
         QSpinBox *spinBox;
-        int loadDefault;
     };
 
-    QList<Field> fields() const; // in the order in which they are read and written
+    QList<Field> fields() const;
+    void showSettings(const ScreenSettings &settings);
+    ScreenSettings enteredSettings() const;
     QBoxLayout *createIntervalRow();
     QWidget *createConfidenceGroup();
     QBoxLayout *createConcurrentRow();

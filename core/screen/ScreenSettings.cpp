@@ -4,8 +4,6 @@
 
 #include <QXmlStreamWriter>
 
-#include <limits>
-
 namespace PluginKrHvcP2 {
 
 namespace Keys = Kora::Keys;
@@ -16,23 +14,20 @@ struct IntegerSetting
 {
     const QString &key;
     int ScreenSettings::*member;
-    int minimum;
-    int maximum;
-    int storedDefault;
+    IntegerRange accepted; // from the host
 };
 
 // In the order in which they are written.
 const QVector<IntegerSetting> &integerSettings()
 {
-    constexpr int noLimit = std::numeric_limits<int>::max();
     static const QVector<IntegerSetting> settings{
-        {Keys::Interval, &ScreenSettings::interval, 0, 60000, 500},
-        {Keys::FaceDetectionConfidence, &ScreenSettings::faceDetectionConfidence, 0, 1000, 0},
-        {Keys::FaceDirectionConfidence, &ScreenSettings::faceDirectionConfidence, 0, 1000, 0},
-        {Keys::AgeConfidence, &ScreenSettings::ageConfidence, 0, 1000, 0},
-        {Keys::GenderConfidence, &ScreenSettings::genderConfidence, 0, 1000, 0},
-        {Keys::Concurrent, &ScreenSettings::concurrent, 1, 20, 1},
-        {Keys::EventSendingLimit, &ScreenSettings::eventSendingLimit, 0, noLimit, 5000},
+        {Keys::Interval, &ScreenSettings::interval, AcceptedInterval},
+        {Keys::FaceDetectionConfidence, &ScreenSettings::faceDetectionConfidence, ConfidenceRange},
+        {Keys::FaceDirectionConfidence, &ScreenSettings::faceDirectionConfidence, ConfidenceRange},
+        {Keys::AgeConfidence, &ScreenSettings::ageConfidence, ConfidenceRange},
+        {Keys::GenderConfidence, &ScreenSettings::genderConfidence, ConfidenceRange},
+        {Keys::Concurrent, &ScreenSettings::concurrent, ConcurrentRange},
+        {Keys::EventSendingLimit, &ScreenSettings::eventSendingLimit, AcceptedEventSendingLimit},
     };
     return settings;
 }
@@ -53,22 +48,25 @@ ScreenSettings ScreenSettings::fromStored(const QVariantMap &settings)
 {
     ScreenSettings result;
     result.displayMonitoring = isTrueText(settings.value(Keys::DisplayMonitoring, Keys::False));
-    for (const IntegerSetting &setting : integerSettings())
-        result.*setting.member = settings.value(setting.key, setting.storedDefault).toInt();
+    for (const IntegerSetting &setting : integerSettings()) {
+        int &member = result.*setting.member;
+        member = settings.value(setting.key, member).toInt();
+    }
     return result;
+}
+
+ScreenSettings ScreenSettings::ofNewScreen()
+{
+    ScreenSettings settings;
+    settings.interval = 1000;
+    return settings;
 }
 
 QVariantMap ScreenSettings::newScreenMap()
 {
-    return {
-        {Keys::DisplayMonitoring, false},
-        {Keys::Interval, 1000},
-        {Keys::FaceDetectionConfidence, 0},
-        {Keys::FaceDirectionConfidence, 0},
-        {Keys::AgeConfidence, 0},
-        {Keys::GenderConfidence, 0},
-        {Keys::Concurrent, 1},
-    };
+    QVariantMap map = ofNewScreen().toMap();
+    map.remove(Keys::EventSendingLimit);
+    return map;
 }
 
 void ScreenSettings::update(const QVariantMap &params)
@@ -83,7 +81,7 @@ void ScreenSettings::update(const QVariantMap &params)
                 continue;
             bool ok = false;
             const int value = it.value().toInt(&ok);
-            if (ok && value >= setting.minimum && value <= setting.maximum)
+            if (ok && setting.accepted.contains(value))
                 this->*setting.member = value;
             break;
         }
@@ -105,6 +103,24 @@ void ScreenSettings::writeXml(QXmlStreamWriter &writer) const
     for (const IntegerSetting &setting : integerSettings())
         writer.writeAttribute(setting.key, QString::number(this->*setting.member));
     writer.writeEndElement();
+}
+
+std::optional<QVariantMap> editedSettings(const QVariantMap &stored, const ScreenSettings &entered)
+{
+    QVariantMap edited = stored;
+    bool changed = false;
+    for (const IntegerSetting &setting : integerSettings()) {
+        const int value = entered.*setting.member;
+        if (stored.contains(setting.key) && stored.value(setting.key).toInt() == value)
+            continue;
+        edited.insert(setting.key, value);
+        changed = true;
+    }
+    if (isTrueText(stored.value(Keys::DisplayMonitoring)) != entered.displayMonitoring) {
+        edited.insert(Keys::DisplayMonitoring, booleanText(entered.displayMonitoring));
+        changed = true;
+    }
+    return changed ? std::optional<QVariantMap>(edited) : std::nullopt;
 }
 
 } // namespace PluginKrHvcP2

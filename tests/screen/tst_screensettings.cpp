@@ -4,8 +4,12 @@
 #include <QtTest>
 
 #include <limits>
+#include <optional>
 
 using namespace PluginKrHvcP2;
+
+Q_DECLARE_METATYPE(PluginKrHvcP2::ScreenSettings)
+Q_DECLARE_METATYPE(std::optional<QVariantMap>)
 
 namespace {
 
@@ -55,6 +59,19 @@ QString xml(const ScreenSettings &settings)
     return text;
 }
 
+/// Keys with types and values, which QVariant's own comparison would convert.
+QStringList describe(const std::optional<QVariantMap> &map)
+{
+    if (!map)
+        return {QStringLiteral("unchanged")};
+    QStringList result;
+    for (auto it = map->cbegin(); it != map->cend(); ++it) {
+        const QString type = QString::fromLatin1(it->typeName());
+        result.append(QStringLiteral("%1 %2 %3").arg(it.key(), type, it->toString()));
+    }
+    return result;
+}
+
 } // namespace
 
 class tst_ScreenSettings : public QObject
@@ -72,6 +89,8 @@ private slots:
     void stored_data();
     void stored();
     void newScreen();
+    void edited_data();
+    void edited();
     void writeXml_data();
     void writeXml();
     void writeXmlNests();
@@ -308,6 +327,116 @@ void tst_ScreenSettings::newScreen()
     QCOMPARE(map, expected);
     QCOMPARE(int(map.value(QStringLiteral("display-monitoring")).type()), int(QMetaType::Bool));
     QCOMPARE(int(map.value(QStringLiteral("interval")).type()), int(QMetaType::Int));
+
+    // Its restriction time is not stored, but holds.
+    QCOMPARE(ScreenSettings::ofNewScreen().toMap(), defaultsWith(QStringLiteral("interval"), 1000));
+}
+
+void tst_ScreenSettings::edited_data()
+{
+    QTest::addColumn<QVariantMap>("stored");
+    QTest::addColumn<ScreenSettings>("entered");
+    QTest::addColumn<std::optional<QVariantMap>>("expected");
+
+    using Map = std::optional<QVariantMap>;
+    const Map unchanged;
+    const ScreenSettings all = changedSettings();
+    const auto with = [](const char *key, const QVariant &value) {
+        QVariantMap map = changedSettings().toMap();
+        map.insert(QString::fromLatin1(key), value);
+        return map;
+    };
+    const auto without = [](const char *key) {
+        QVariantMap map = changedSettings().toMap();
+        map.remove(QString::fromLatin1(key));
+        return map;
+    };
+    const QString True = QStringLiteral("true");
+    const QString False = QStringLiteral("false");
+
+    QTest::newRow("what is stored already is no change") << all.toMap() << all << unchanged;
+    QVariantMap numbers = defaults();
+    numbers.remove(QStringLiteral("display-monitoring"));
+    QTest::newRow("every missing number is written, also a default; a switch that is off is not")
+        << QVariantMap() << ScreenSettings() << Map(numbers);
+
+    const auto number = [&](const char *key, int ScreenSettings::*member) {
+        ScreenSettings entered = changedSettings();
+        entered.*member = 9;
+        QTest::newRow(QByteArray(key).append(" differs"))
+            << all.toMap() << entered << Map(with(key, 9));
+        QTest::newRow(QByteArray(key).append(" is missing"))
+            << without(key) << entered << Map(with(key, 9));
+    };
+    number("interval", &ScreenSettings::interval);
+    number("face-detection-confidence", &ScreenSettings::faceDetectionConfidence);
+    number("face-direction-confidence", &ScreenSettings::faceDirectionConfidence);
+    number("age-confidence", &ScreenSettings::ageConfidence);
+    number("gender-confidence", &ScreenSettings::genderConfidence);
+    number("concurrent", &ScreenSettings::concurrent);
+    number("event-sending-limit", &ScreenSettings::eventSendingLimit);
+
+    QTest::newRow("a text of the same number stays a text")
+        << with("interval", QStringLiteral("2")) << all << unchanged;
+    ScreenSettings hidden = all;
+    hidden.displayMonitoring = false;
+    QVariantMap textAndHidden = with("interval", QStringLiteral("2"));
+    textAndHidden.insert(QStringLiteral("display-monitoring"), False);
+    QTest::newRow("a text of the same number stays a text beside a change")
+        << with("interval", QStringLiteral("2")) << hidden << Map(textAndHidden);
+    QTest::newRow("a text of another number becomes a number")
+        << with("interval", QStringLiteral("3")) << all << Map(all.toMap());
+    QTest::newRow("a text that is no number counts as 0 and is replaced")
+        << with("interval", QStringLiteral("fast")) << all << Map(all.toMap());
+    ScreenSettings zero = all;
+    zero.interval = 0;
+    QTest::newRow("a text that is no number counts as 0 and stays")
+        << with("interval", QStringLiteral("fast")) << zero << unchanged;
+    QTest::newRow("nothing under a key counts as 0 and stays")
+        << with("interval", QVariant()) << zero << unchanged;
+    QTest::newRow("ranges are not asked about")
+        << with("concurrent", 99) << all << Map(all.toMap());
+    ScreenSettings negative = all;
+    negative.interval = -1;
+    QTest::newRow("a missing number is written whatever it is")
+        << without("interval") << negative << Map(with("interval", -1));
+
+    const auto monitoring
+        = [&](const char *name, const QVariant &stored, bool entered, const Map &expected) {
+              ScreenSettings settings = all;
+              settings.displayMonitoring = entered;
+              QTest::newRow(name) << with("display-monitoring", stored) << settings << expected;
+          };
+    monitoring("a shown panel stays TRUE", QStringLiteral("TRUE"), true, unchanged);
+    monitoring("a hidden panel is written as a text", QStringLiteral("TRUE"), false,
+        with("display-monitoring", False));
+    monitoring("a hidden panel is written over a bool as a text", true, false,
+        with("display-monitoring", False));
+    monitoring("a hidden panel stays a bool", false, false, unchanged);
+    monitoring("a shown panel is written as a text", false, true, with("display-monitoring", True));
+    monitoring("the number 1 means hidden and stays", 1, false, unchanged);
+    monitoring(
+        "the number 1 means hidden and is replaced", 1, true, with("display-monitoring", True));
+    QTest::newRow("a missing switch is written when the panel is shown")
+        << without("display-monitoring") << all << Map(with("display-monitoring", True));
+    QTest::newRow("a missing switch is not written when the panel is hidden")
+        << without("display-monitoring") << hidden << unchanged;
+
+    QVariantMap foreign = with("display-monitoring", False);
+    foreign.insert(QStringLiteral("colour"), QStringLiteral("red"));
+    foreign.insert(QStringLiteral("Interval"), 77);
+    QVariantMap foreignAndShown = foreign;
+    foreignAndShown.insert(QStringLiteral("display-monitoring"), True);
+    QTest::newRow("foreign keys are no change") << foreign << hidden << unchanged;
+    QTest::newRow("foreign keys stay beside a change") << foreign << all << Map(foreignAndShown);
+}
+
+void tst_ScreenSettings::edited()
+{
+    QFETCH(QVariantMap, stored);
+    QFETCH(ScreenSettings, entered);
+    QFETCH(std::optional<QVariantMap>, expected);
+    QCOMPARE(describe(editedSettings(stored, entered)), describe(expected));
 }
 
 void tst_ScreenSettings::writeXml_data()
