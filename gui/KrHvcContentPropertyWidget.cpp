@@ -1,7 +1,7 @@
 #include "gui/KrHvcContentPropertyWidget.h"
 
 #include "core/screen/ContentEntry.h"
-#include "gui/BuddyLabel.h"
+#include "gui/FormParts.h"
 #include "gui/MessageBox.h"
 #include "host/KrPluginKeys.h"
 
@@ -24,28 +24,10 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
+constexpr IntegerRange EditableAges{LowestAge, HighestAge};
+
 /// Where the search for a free range starts on a screen without contents.
 constexpr Audience FirstProposal{10, 19, BothGenders, false};
-
-QSpinBox *createAgeSpinBox(const QString &name, int value)
-{
-    auto *spinBox = new QSpinBox;
-    spinBox->setObjectName(name);
-    spinBox->setRange(LowestAge, HighestAge);
-    spinBox->setValue(value);
-    spinBox->setAlignment(Qt::AlignRight);
-    return spinBox;
-}
-
-QSpacerItem *createRowSpacer(int width)
-{
-    return new QSpacerItem(width, 16, QSizePolicy::Expanding, QSizePolicy::Minimum);
-}
-
-QSpacerItem *createFixedSpacer(int size)
-{
-    return new QSpacerItem(size, size, QSizePolicy::Fixed, QSizePolicy::Fixed);
-}
 
 QWidget *createSeparator()
 {
@@ -80,10 +62,6 @@ KrHvcContentPropertyWidget::KrHvcContentPropertyWidget(QWidget *parent)
     m_information->setObjectName(QStringLiteral("information"));
     m_default = new QCheckBox(tr("Set this sequence as gender default"));
     m_default->setObjectName(QStringLiteral("default"));
-    // The colour of the note is fixed, also where a dark palette makes it hard to read.
-    auto *note = new QLabel(tr("The age range that can be set is 0 to 75 years old.\n"
-                               " If targeting over 75 years old, set it to 75."));
-    note->setStyleSheet(QStringLiteral("color: midnightblue"));
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -93,13 +71,15 @@ KrHvcContentPropertyWidget::KrHvcContentPropertyWidget(QWidget *parent)
     layout->addLayout(createNameRow());
     layout->addItem(createFixedSpacer(10));
     layout->addLayout(createAgeRow());
-    layout->addWidget(note);
+    layout->addWidget(createNote(tr("The age range that can be set is 0 to 75 years old.\n"
+                                    " If targeting over 75 years old, set it to 75."),
+        QStringLiteral("color: midnightblue")));
     layout->addItem(createFixedSpacer(10));
     layout->addLayout(createGenderRow());
     layout->addItem(createFixedSpacer(10));
     layout->addWidget(m_default);
     layout->addItem(createFixedSpacer(16));
-    layout->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
+    layout->addItem(createBottomSpacer());
 
     connect(m_ageMin, &QSpinBox::editingFinished, this,
         &KrHvcContentPropertyWidget::onAgeMinSpinBoxEditingFinished);
@@ -276,7 +256,7 @@ QBoxLayout *KrHvcContentPropertyWidget::createSequenceRow()
     auto *row = new QHBoxLayout;
     row->addWidget(new QLabel(tr("Sequence #")));
     row->addWidget(m_sequenceNumber);
-    row->addItem(createRowSpacer(16));
+    row->addItem(createRowSpacer(16, 16));
     return row;
 }
 
@@ -296,8 +276,10 @@ QBoxLayout *KrHvcContentPropertyWidget::createNameRow()
 
 QBoxLayout *KrHvcContentPropertyWidget::createAgeRow()
 {
-    m_ageMin = createAgeSpinBox(QStringLiteral("ageMin"), 20);
-    m_ageMax = createAgeSpinBox(QStringLiteral("ageMax"), 30);
+    m_ageMin = createSpinBox(QStringLiteral("ageMin"), EditableAges);
+    m_ageMin->setValue(20);
+    m_ageMax = createSpinBox(QStringLiteral("ageMax"), EditableAges);
+    m_ageMax->setValue(30);
     auto *findRange = new QPushButton(tr("Find Range"));
     findRange->setObjectName(QStringLiteral("findRange"));
     connect(findRange, &QPushButton::clicked, this,
@@ -310,7 +292,7 @@ QBoxLayout *KrHvcContentPropertyWidget::createAgeRow()
     row->addWidget(m_ageMax);
     row->addWidget(new QLabel(tr("years old")));
     row->addWidget(findRange);
-    row->addItem(createRowSpacer(1));
+    row->addItem(createRowSpacer(1, 16));
     return row;
 }
 
@@ -323,7 +305,7 @@ QBoxLayout *KrHvcContentPropertyWidget::createGenderRow()
     auto *row = new QHBoxLayout;
     row->addWidget(createBuddyLabel(tr("Gender:"), m_gender));
     row->addWidget(m_gender);
-    row->addItem(createRowSpacer(16));
+    row->addItem(createRowSpacer(16, 16));
     return row;
 }
 

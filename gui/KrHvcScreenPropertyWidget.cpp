@@ -1,6 +1,6 @@
 #include "gui/KrHvcScreenPropertyWidget.h"
 
-#include "gui/BuddyLabel.h"
+#include "gui/FormParts.h"
 #include "host/KrPluginKeys.h"
 
 #include <QCheckBox>
@@ -20,45 +20,6 @@ namespace {
 
 constexpr int IntervalStep = 100; // milliseconds
 
-QSpinBox *createSpinBox(const QString &name, const IntegerRange &range)
-{
-    auto *spinBox = new QSpinBox;
-    spinBox->setObjectName(name);
-    spinBox->setRange(range.minimum, range.maximum);
-    spinBox->setAlignment(Qt::AlignRight);
-    return spinBox;
-}
-
-/// A small text below what it explains. Layouts reckon with a wrapped text's height only while
-/// they have room to spare; this one insists on it, so that nothing around it is squeezed.
-class Note : public QLabel
-{
-public:
-    // The colour in the style sheet is fixed, also where a dark palette makes it hard to read.
-    Note(const QString &text, const QString &styleSheet)
-        : QLabel(text)
-    {
-        setWordWrap(true);
-        QFont smaller = font();
-        if (smaller.pointSize() > 1) // -1 for fonts set in pixels
-            smaller.setPointSize(smaller.pointSize() - 1);
-        setFont(smaller);
-        setStyleSheet(styleSheet);
-    }
-
-protected:
-    void resizeEvent(QResizeEvent *event) override
-    {
-        QLabel::resizeEvent(event);
-        setMinimumHeight(heightForWidth(width()));
-    }
-};
-
-QSpacerItem *createRowSpacer()
-{
-    return new QSpacerItem(1, 1, QSizePolicy::Expanding, QSizePolicy::Minimum);
-}
-
 } // namespace
 
 KrHvcScreenPropertyWidget::KrHvcScreenPropertyWidget(QWidget *parent)
@@ -72,7 +33,7 @@ KrHvcScreenPropertyWidget::KrHvcScreenPropertyWidget(QWidget *parent)
     layout->addLayout(createRestrictionGrid());
     layout->addLayout(createMonitoringBox());
     layout->addItem(new QSpacerItem(16, 16, QSizePolicy::Minimum, QSizePolicy::Minimum));
-    layout->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
+    layout->addItem(createBottomSpacer());
     showSettings(ScreenSettings::ofNewScreen());
 }
 
@@ -139,7 +100,7 @@ QBoxLayout *KrHvcScreenPropertyWidget::createIntervalRow()
     row->addWidget(createBuddyLabel(tr("Getting Data Interval:"), m_interval));
     row->addWidget(m_interval);
     row->addWidget(new QLabel(tr("millisecond")));
-    row->addItem(createRowSpacer());
+    row->addItem(createRowSpacer(1, 1));
     return row;
 }
 
@@ -173,7 +134,7 @@ QBoxLayout *KrHvcScreenPropertyWidget::createConcurrentRow()
     row->addWidget(createBuddyLabel(tr("Concurrent Event:"), m_concurrent));
     row->addWidget(m_concurrent);
     row->addWidget(new QLabel(tr("(1 - 20)")));
-    row->addItem(createRowSpacer());
+    row->addItem(createRowSpacer(1, 1));
     return row;
 }
 
@@ -186,9 +147,10 @@ QGridLayout *KrHvcScreenPropertyWidget::createRestrictionGrid()
     grid->addWidget(createBuddyLabel(tr("Event Restriction:"), m_eventRestriction), 0, 0);
     grid->addWidget(m_eventRestriction, 0, 1);
     grid->addWidget(new QLabel(tr("msec.")), 0, 2);
-    grid->addItem(createRowSpacer(), 0, 3);
+    grid->addItem(createRowSpacer(1, 1), 0, 3);
     grid->addWidget(
-        new Note(tr("Until the specified time elapses, the same screen target event is discarded."),
+        createWrappedNote(
+            tr("Until the specified time elapses, the same screen target event is discarded."),
             QStringLiteral("margin-left: 3px;color: midnightblue;")),
         1, 0, 1, 4);
     return grid;
@@ -203,8 +165,8 @@ QBoxLayout *KrHvcScreenPropertyWidget::createMonitoringBox()
     box->setContentsMargins(0, 0, 0, 0);
     box->addWidget(m_visibleMonitoring);
     box->addWidget(
-        new Note(tr("If it is checked, HVC monitoring will be displayed with this Screen. "
-                    "If it is not checked, this Screen will not be displayed."),
+        createWrappedNote(tr("If it is checked, HVC monitoring will be displayed with this Screen. "
+                             "If it is not checked, this Screen will not be displayed."),
             QStringLiteral("margin-left: 3px; color: midnightblue;")));
     return box;
 }
