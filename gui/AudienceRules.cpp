@@ -51,6 +51,12 @@ bool touches(const Audience &freeRange, const Audience &current)
     return freeRange.contains(current.ageMin) || freeRange.contains(current.ageMax);
 }
 
+bool isNameInUse(const QString &name, const QVariantList &contents)
+{
+    return std::any_of(contents.cbegin(), contents.cend(),
+        [&](const QVariant &entry) { return nameForEditing(entry.toMap()) == name; });
+}
+
 } // namespace
 
 QVector<Audience> contentRanges(const QVariantList &contents)
@@ -108,6 +114,16 @@ RangeConflicts findConflicts(const Audience &entered, const QVector<Audience> &o
         conflicts.ages = conflicts.ages || touches(other, entered);
     }
     return conflicts;
+}
+
+Refusal findRefusal(const QString &name, const Audience &entered, const QVariantList &others)
+{
+    if (isNameInUse(name, others))
+        return Refusal::NameInUse;
+    const RangeConflicts conflicts = findConflicts(entered, contentRanges(others));
+    if (conflicts.ages)
+        return Refusal::AgesInUse;
+    return conflicts.defaults ? Refusal::DefaultInUse : Refusal::None;
 }
 
 } // namespace PluginKrHvcP2

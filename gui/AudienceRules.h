@@ -2,6 +2,7 @@
 
 #include "core/screen/ContentEntry.h"
 
+#include <QString>
 #include <QVariant>
 #include <QVector>
 
@@ -29,5 +30,17 @@ struct RangeConflicts
 
 /// A range that merely encloses another one does not conflict with it.
 RangeConflicts findConflicts(const Audience &entered, const QVector<Audience> &others);
+
+/// Why a content is not stored, the most important reason first.
+enum class Refusal {
+    None,
+    NameInUse, ///< another one has the same name, in the same letter case
+    AgesInUse, ///< RangeConflicts::ages
+    DefaultInUse, ///< RangeConflicts::defaults
+};
+
+/// The first reason against storing @p entered as @p name beside @p others, entries of the same
+/// "contents" list.
+Refusal findRefusal(const QString &name, const Audience &entered, const QVariantList &others);
 
 } // namespace PluginKrHvcP2

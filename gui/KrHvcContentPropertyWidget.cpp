@@ -159,25 +159,9 @@ bool KrHvcContentPropertyWidget::validateAndStore()
     if (isExisting)
         others.removeAt(m_editIndex);
 
-    if (isNameInUse(others)) {
-        refuse(tr("Duplicate Name"),
-            tr("The name \"%1\" is already in use.\nPlease specify another name.")
-                .arg(m_name->text()),
-            m_name);
-        return false;
-    }
-    const Audience entered = enteredRange();
-    const RangeConflicts conflicts = findConflicts(entered, contentRanges(others));
-    if (conflicts.ages) {
-        refuse(tr("Including Age Range"),
-            tr("The specified age range is included in the other specified range.\n"
-               "Please specify again."),
-            m_ageMin);
-        return false;
-    }
-    if (conflicts.defaults) {
-        refuse(tr("Can not be default"),
-            tr("Gender(%1) has already defaulted.").arg(genderName(entered.gender)), m_default);
+    const Refusal refusal = findRefusal(m_name->text(), enteredRange(), others);
+    if (refusal != Refusal::None) {
+        showRefusal(refusal);
         return false;
     }
 
@@ -359,11 +343,29 @@ void KrHvcContentPropertyWidget::showInformation(const QString &text, const QStr
     m_information->setStyleSheet(styleSheet);
 }
 
-bool KrHvcContentPropertyWidget::isNameInUse(const QVariantList &contents) const
+void KrHvcContentPropertyWidget::showRefusal(Refusal refusal)
 {
-    const QString name = m_name->text();
-    return std::any_of(contents.cbegin(), contents.cend(),
-        [&](const QVariant &entry) { return nameForEditing(entry.toMap()) == name; });
+    switch (refusal) {
+    case Refusal::None:
+        return;
+    case Refusal::NameInUse:
+        refuse(tr("Duplicate Name"),
+            tr("The name \"%1\" is already in use.\nPlease specify another name.")
+                .arg(m_name->text()),
+            m_name);
+        return;
+    case Refusal::AgesInUse:
+        refuse(tr("Including Age Range"),
+            tr("The specified age range is included in the other specified range.\n"
+               "Please specify again."),
+            m_ageMin);
+        return;
+    case Refusal::DefaultInUse:
+        refuse(tr("Can not be default"),
+            tr("Gender(%1) has already defaulted.").arg(genderName(enteredRange().gender)),
+            m_default);
+        return;
+    }
 }
 
 void KrHvcContentPropertyWidget::refuse(

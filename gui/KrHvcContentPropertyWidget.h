@@ -71,7 +71,7 @@ private:
     QString automaticName() const;
     void updateAutomaticName();
     void showInformation(const QString &text, const QString &styleSheet);
-    bool isNameInUse(const QVariantList &contents) const;
+    void showRefusal(Refusal refusal);
     void refuse(const QString &title, const QString &text, QWidget *faultyField);
     void storeExisting(QVariantList contents);
     void storeNew();

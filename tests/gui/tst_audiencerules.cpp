@@ -13,6 +13,7 @@ using namespace GuiTest;
 using namespace PluginKrHvcP2;
 
 Q_DECLARE_METATYPE(PluginKrHvcP2::Audience)
+Q_DECLARE_METATYPE(PluginKrHvcP2::Refusal)
 
 namespace {
 
@@ -223,6 +224,8 @@ private slots:
     void walksThroughAllFreeRanges();
     void findsConflicts_data();
     void findsConflicts();
+    void findsRefusal_data();
+    void findsRefusal();
     void freeRangesAgreeWithEverySingleAge();
     void freeRangesOfAnyContentsAgreeWithReference();
     void nextRangesAgreeWithReference();
@@ -538,6 +541,70 @@ void tst_AudienceRules::findsConflicts()
     const RangeConflicts conflicts = PluginKrHvcP2::findConflicts(entered, others);
     QCOMPARE(conflicts.ages, ages);
     QCOMPARE(conflicts.defaults, defaults);
+}
+
+void tst_AudienceRules::findsRefusal_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Audience>("entered");
+    QTest::addColumn<QVariantList>("others");
+    QTest::addColumn<Refusal>("expected");
+
+    const QVariantList male{content("a"_s, 45, 60, "male"_s, "true"_s)};
+    const QVariantList none;
+
+    QTest::newRow("the first content") << "a"_s << range(0, 75, 3, true) << none << Refusal::None;
+    QTest::newRow("beside another one") << "n"_s << range(1, 2, 1) << male << Refusal::None;
+    QTest::newRow("a used name") << "a"_s << range(1, 2, 2) << male << Refusal::NameInUse;
+    QTest::newRow("a used name in another letter case")
+        << "A"_s << range(1, 2, 2) << male << Refusal::None;
+    QTest::newRow("a used name with a blank") << "a "_s << range(1, 2, 2) << male << Refusal::None;
+    QTest::newRow("the name of the last of several")
+        << "c"_s << range(1, 2, 1)
+        << QVariantList{content("a"_s, 5, 6, "male"_s), content("b"_s, 7, 8, "male"_s),
+               content("c"_s, 9, 10, "male"_s)}
+        << Refusal::NameInUse;
+    QTest::newRow("a name in params is nobody's")
+        << "inner"_s << range(1, 2, 1)
+        << QVariantList{QVariantMap{{"params"_s,
+               QVariantMap{{"name"_s, "inner"_s}, {"age-min"_s, 45}, {"gender"_s, "male"_s}}}}}
+        << Refusal::None;
+    QTest::newRow("no name beside one without a name")
+        << QString() << range(1, 2, 1) << QVariantList{5} << Refusal::NameInUse;
+    QTest::newRow("ages of another one") << "n"_s << range(40, 50, 1) << male << Refusal::AgesInUse;
+    QTest::newRow("ages around those of another one")
+        << "n"_s << range(40, 70, 1) << male << Refusal::None;
+    QTest::newRow("ages of another gender")
+        << "n"_s << range(45, 60, 2, true) << male << Refusal::None;
+    QTest::newRow("missing ages of another one cover all")
+        << "n"_s << range(1, 2, 1)
+        << QVariantList{QVariantMap{{"params"_s, QVariantMap{{"gender"_s, "male"_s}}}}}
+        << Refusal::AgesInUse;
+    QTest::newRow("a second default")
+        << "n"_s << range(1, 2, 1, true) << male << Refusal::DefaultInUse;
+    QTest::newRow("a second default, stored as a bool")
+        << "n"_s << range(1, 2, 1, true) << QVariantList{content("a"_s, 45, 60, "both"_s, true)}
+        << Refusal::DefaultInUse;
+
+    QTest::newRow("the name comes before the ages")
+        << "a"_s << range(45, 60, 1) << male << Refusal::NameInUse;
+    QTest::newRow("the name comes before the default")
+        << "a"_s << range(1, 2, 1, true) << male << Refusal::NameInUse;
+    QTest::newRow("the ages come before the default")
+        << "n"_s << range(45, 60, 1, true) << male << Refusal::AgesInUse;
+    QTest::newRow("the order is that of the reasons, not that of the list")
+        << "c"_s << range(1, 2, 1, true)
+        << QVariantList{content("a"_s, 45, 60, "male"_s, "true"_s), content("b"_s, 0, 1, "both"_s),
+               content("c"_s, 9, 10, "female"_s)}
+        << Refusal::NameInUse;
+}
+
+void tst_AudienceRules::findsRefusal()
+{
+    QFETCH(QString, name);
+    QFETCH(Audience, entered);
+    QFETCH(QVariantList, others);
+    QTEST(findRefusal(name, entered, others), "expected");
 }
 
 void tst_AudienceRules::freeRangesAgreeWithEverySingleAge()
