@@ -14,6 +14,13 @@ function(kr_set_test_environment test)
     set_tests_properties(${test} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")
 endfunction()
 
+# kr_use_file(<target> <NAME> <program>): builds <program> before <target>, which knows its file as
+# KRHVC_<NAME>_FILE; whoever links <target> does so, too.
+function(kr_use_file target name program)
+    add_dependencies(${target} ${program})
+    target_compile_definitions(${target} PUBLIC KRHVC_${name}_FILE="$<TARGET_FILE:${program}>")
+endfunction()
+
 # kr_add_test(<unit> [libraries...]): builds tst_<unit>.cpp of the current folder and registers it.
 function(kr_add_test unit)
     set(target tst_${unit})

@@ -88,7 +88,7 @@ bool tst_PlayerDemo::write(const QString &name, const QByteArray &data) const
 QStringList tst_PlayerDemo::arguments(const QStringList &more) const
 {
     return QStringList{QStringLiteral("--headless"), QStringLiteral("--plugin"),
-               QStringLiteral(PLUGIN), QStringLiteral("--stage"),
+               QStringLiteral(KRHVC_PLUGIN_FILE), QStringLiteral("--stage"),
                file(QStringLiteral("stage.json")), QStringLiteral("--replay"), file(RecordingName),
                QStringLiteral("--log-dir"), file(QStringLiteral("logs")),
                QStringLiteral("--seconds"), SecondsAtMost}
@@ -134,7 +134,7 @@ int tst_PlayerDemo::averageRed(const QImage &image)
 void tst_PlayerDemo::recordingSwitchesTheStage()
 {
     QProcess process;
-    process.start(QStringLiteral(PLAYER), arguments({}));
+    process.start(QStringLiteral(KRHVC_PLAYER_FILE), arguments({}));
     QByteArray output;
     QVERIFY2(waitForOutput(&process, &output, "  switch  #1  Women 20-39\n"), output.constData());
     QVERIFY2(waitForOutput(&process, &output, "  switch  #2  Men 20-39\n"), output.constData());
@@ -152,7 +152,8 @@ void tst_PlayerDemo::panelIsOnTheStage()
 {
     QProcess process;
     const QString picture = file(QStringLiteral("stage.png"));
-    process.start(QStringLiteral(PLAYER), arguments({QStringLiteral("--screenshot"), picture}));
+    process.start(
+        QStringLiteral(KRHVC_PLAYER_FILE), arguments({QStringLiteral("--screenshot"), picture}));
     QByteArray output;
     QVERIFY2(waitForOutput(&process, &output, "  switch  #"), output.constData());
     process.terminate();
@@ -181,7 +182,7 @@ void tst_PlayerDemo::nothingIsLeftBehind()
     QFETCH(int, signal);
 
     QProcess process;
-    process.start(QStringLiteral(PLAYER), arguments({}));
+    process.start(QStringLiteral(KRHVC_PLAYER_FILE), arguments({}));
     QByteArray output;
     QVERIFY2(waitForOutput(&process, &output, "  switch  #"), output.constData());
     QCOMPARE(sensorProgramCount(), 1);

@@ -133,7 +133,7 @@ void tst_PlayerDialogs::start(
     QVERIFY2(file, qUtf8Printable(error));
 
     m_player = std::make_unique<StagePlayer>(*file, 1);
-    QVERIFY(m_player->loadPlugin(QStringLiteral(PLUGIN)));
+    QVERIFY(m_player->loadPlugin(QStringLiteral(KRHVC_PLUGIN_FILE)));
     m_window = std::make_unique<MainWindow>(m_player.get());
     m_window->show();
     m_player->begin(m_directory->filePath(QStringLiteral("logs")));

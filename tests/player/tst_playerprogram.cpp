@@ -49,7 +49,7 @@ private:
 tst_PlayerProgram::Result tst_PlayerProgram::run(const QStringList &arguments)
 {
     QProcess process;
-    process.start(QStringLiteral(PLAYER), arguments);
+    process.start(QStringLiteral(KRHVC_PLAYER_FILE), arguments);
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), text(process.readAllStandardOutput()),
@@ -139,7 +139,7 @@ void tst_PlayerProgram::refused_data()
 #endif
     QTest::newRow("a plug-in file that is of another kind")
         << good << "--headless --stage %1/stage.json --plugin %2" << 1
-        << QFileInfo(QStringLiteral(PLAIN_PLUGIN)).absoluteFilePath()
+        << QFileInfo(QStringLiteral(KRHVC_PLAIN_PLUGIN_FILE)).absoluteFilePath()
             + QLatin1String(": The file is not a screen plug-in.");
     QTest::newRow("a plug-in file that does not exist")
         << good << "--headless --stage %1/stage.json --plugin %1/none.so" << 1
@@ -157,7 +157,7 @@ void tst_PlayerProgram::refused()
     error.replace(QLatin1String("%1"), m_directory.path());
     QStringList arguments = options.split(QLatin1Char(' ')); // before there are paths in it
     arguments.replaceInStrings(QStringLiteral("%1"), m_directory.path());
-    arguments.replaceInStrings(QStringLiteral("%2"), QStringLiteral(PLAIN_PLUGIN));
+    arguments.replaceInStrings(QStringLiteral("%2"), QStringLiteral(KRHVC_PLAIN_PLUGIN_FILE));
     const Result result = run(arguments);
     QCOMPARE(result.error, QLatin1String("KrStagePlayer: ") + error + QLatin1Char('\n'));
     QCOMPARE(result.output, QString());
@@ -193,8 +193,8 @@ void tst_PlayerProgram::headlessLines()
             {"params": {"name": "Women 20-39"}}, {"name": "M\u00e4nner", "params": {}}]}]})");
     const QString logs = m_directory.filePath(QStringLiteral("deep/logs"));
     const Result result = run({QStringLiteral("--headless"), QStringLiteral("--stage"), stage,
-        QStringLiteral("--plugin"), QStringLiteral(FAKE_PLUGIN), QStringLiteral("--log-dir"), logs,
-        QStringLiteral("--seconds"), QStringLiteral("0.3")});
+        QStringLiteral("--plugin"), QStringLiteral(KRHVC_FAKE_PLUGIN_FILE),
+        QStringLiteral("--log-dir"), logs, QStringLiteral("--seconds"), QStringLiteral("0.3")});
     QCOMPARE(result.error, QString());
     QVERIFY(result.output != withoutTimes(result.output));
     QCOMPARE(withoutTimes(result.output),
@@ -218,9 +218,9 @@ void tst_PlayerProgram::screenshot()
         "contents": [{"params": {"name": "A"}, "card": {"color": "#00ff00"}}]}]})");
     const QString picture = m_directory.filePath(QStringLiteral("shot.png"));
     const Result result = run({QStringLiteral("--headless"), QStringLiteral("--stage"), stage,
-        QStringLiteral("--plugin"), QStringLiteral(FAKE_PLUGIN), QStringLiteral("--log-dir"),
-        m_directory.path(), QStringLiteral("--seconds"), QStringLiteral("2"),
-        QStringLiteral("--screenshot"), picture});
+        QStringLiteral("--plugin"), QStringLiteral(KRHVC_FAKE_PLUGIN_FILE),
+        QStringLiteral("--log-dir"), m_directory.path(), QStringLiteral("--seconds"),
+        QStringLiteral("2"), QStringLiteral("--screenshot"), picture});
     QCOMPARE(result.status, 0);
     const QImage image(picture);
     QCOMPARE(image.size(), QSize(1280, 720));
@@ -246,9 +246,9 @@ void tst_PlayerProgram::unwritableScreenshot()
     const QString stage = writeStage(R"({"screens": [{"id": 4}]})");
     const QString picture = m_directory.filePath(name);
     const Result result = run({QStringLiteral("--headless"), QStringLiteral("--stage"), stage,
-        QStringLiteral("--plugin"), QStringLiteral(FAKE_PLUGIN), QStringLiteral("--log-dir"),
-        m_directory.path(), QStringLiteral("--seconds"), QStringLiteral("0"),
-        QStringLiteral("--screenshot"), picture});
+        QStringLiteral("--plugin"), QStringLiteral(KRHVC_FAKE_PLUGIN_FILE),
+        QStringLiteral("--log-dir"), m_directory.path(), QStringLiteral("--seconds"),
+        QStringLiteral("0"), QStringLiteral("--screenshot"), picture});
     QCOMPARE(result.error,
         QStringLiteral("KrStagePlayer: %1: the screenshot cannot be written\n").arg(picture));
     QCOMPARE(result.status, 1);
@@ -273,10 +273,11 @@ void tst_PlayerProgram::endedByASignal()
     QFETCH(int, signal);
 
     QProcess process;
-    process.start(QStringLiteral(PLAYER),
+    process.start(QStringLiteral(KRHVC_PLAYER_FILE),
         {QStringLiteral("--headless"), QStringLiteral("--stage"),
             writeStage(R"({"screens": [{"id": 4}]})"), QStringLiteral("--plugin"),
-            QStringLiteral(FAKE_PLUGIN), QStringLiteral("--log-dir"), m_directory.path()});
+            QStringLiteral(KRHVC_FAKE_PLUGIN_FILE), QStringLiteral("--log-dir"),
+            m_directory.path()});
     QByteArray output;
     QTRY_VERIFY((output += process.readAllStandardOutput()).contains("102  Started"));
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);

@@ -64,7 +64,7 @@ void tst_PluginHost::refusedFile_data()
                                                 << "";
     QTest::newRow("a file that is no library") << QFINDTESTDATA("tst_pluginhost.cpp") << "";
     QTest::newRow("a plug-in of another kind")
-        << PLAIN_PLUGIN << "The file is not a screen plug-in.";
+        << KRHVC_PLAIN_PLUGIN_FILE << "The file is not a screen plug-in.";
 }
 
 void tst_PluginHost::refusedFile()
@@ -89,7 +89,7 @@ void tst_PluginHost::refusedFile()
 void tst_PluginHost::information()
 {
     PluginHost host;
-    QVERIFY2(host.load(QStringLiteral(FAKE_PLUGIN)), qUtf8Printable(host.errorString()));
+    QVERIFY2(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)), qUtf8Printable(host.errorString()));
     const PluginInformation information = host.information();
     QCOMPARE(information.name, QStringLiteral("FakePlugin"));
     QCOMPARE(information.version, QStringLiteral("3.2.1"));
@@ -104,7 +104,7 @@ void tst_PluginHost::information()
 void tst_PluginHost::callsInHostOrder()
 {
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(R"({"interval": 5, "switches": []})"), 5, QStringLiteral("/logs")));
     QVERIFY(host.start());
     QCOMPARE(calls(),
@@ -139,7 +139,7 @@ void tst_PluginHost::update()
     QFETCH(int, status);
 
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(), 5, QString()));
     for (const QString &operation : before) {
         if (operation == QLatin1String("start"))
@@ -172,13 +172,13 @@ void tst_PluginHost::updateOfNothing()
 void tst_PluginHost::gui()
 {
     PluginHost without;
-    QVERIFY(without.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(without.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(without.setUp(stage(), 5, QString()));
     QCOMPARE(without.gui(), nullptr);
     without.shutDown();
 
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QCOMPARE(host.gui(), nullptr);
     QVERIFY(host.setUp(stage(R"({"gui": true})"), 5, QString()));
     QVERIFY(host.gui());
@@ -191,7 +191,7 @@ void tst_PluginHost::gui()
 void tst_PluginHost::guiSignals()
 {
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(R"({"gui": true})"), 5, QString()));
     QObject *const gui = host.gui()->object();
 
@@ -224,7 +224,7 @@ void tst_PluginHost::lifecycle()
     PluginHost host;
     QSignalSpy called(&host, &PluginHost::called);
     QVERIFY(called.isValid());
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(R"({"refuses": true})"), 5, QString()));
     QVERIFY(!host.start());
     QVERIFY(host.pause());
@@ -242,8 +242,8 @@ void tst_PluginHost::lifecycle()
 void tst_PluginHost::everySignal()
 {
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
-    QObject *const plugin = QPluginLoader(QStringLiteral(FAKE_PLUGIN)).instance();
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    QObject *const plugin = QPluginLoader(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)).instance();
     QVERIFY(plugin);
 
     QSignalSpy started(&host, &PluginHost::contentStarted);
@@ -274,7 +274,7 @@ void tst_PluginHost::statusIsFollowed()
 {
     PluginHost host;
     QSignalSpy statuses(&host, &PluginHost::statusChanged);
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(), 5, QString()));
     host.start();
     host.pause();
@@ -287,7 +287,7 @@ void tst_PluginHost::statusIsFollowed()
 void tst_PluginHost::shutDownWaitsForTheStop()
 {
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     host.setUp(stage(), 5, QString());
     host.start();
     qApp->setProperty("fakeCalls", QStringList());
@@ -305,7 +305,7 @@ void tst_PluginHost::shutDownOfAPluginThatNeverStarted()
 {
     {
         PluginHost host;
-        QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+        QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     }
     QCOMPARE(calls(), QStringList({QStringLiteral("deleted with status 199")}));
 }
@@ -313,10 +313,10 @@ void tst_PluginHost::shutDownOfAPluginThatNeverStarted()
 void tst_PluginHost::pluginThatGoesFirst()
 {
     PluginHost host;
-    QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     host.setUp(stage(), 5, QString());
     host.start();
-    delete QPluginLoader(QStringLiteral(FAKE_PLUGIN)).instance();
+    delete QPluginLoader(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)).instance();
     QCOMPARE(host.panel(), nullptr);
     QCOMPARE(host.status(), 0);
     QVERIFY(!host.stop());
@@ -327,7 +327,7 @@ void tst_PluginHost::loadedAgain()
 {
     for (int i = 0; i < 3; ++i) {
         PluginHost host;
-        QVERIFY(host.load(QStringLiteral(FAKE_PLUGIN)));
+        QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
         QVERIFY(host.setUp(stage(), 5, QString()));
         QVERIFY(host.start());
     }

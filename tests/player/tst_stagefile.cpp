@@ -582,8 +582,8 @@ void tst_StageFile::shippedStage_data()
     QTest::addColumn<QString>("fileName");
     QTest::addColumn<int>("count");
 
-    QTest::newRow("the shop window") << STAGES "/shop-window.json" << 8;
-    QTest::newRow("the station concourse") << STAGES "/station-concourse.json" << 6;
+    QTest::newRow("the shop window") << KRHVC_STAGE_DIR "/shop-window.json" << 8;
+    QTest::newRow("the station concourse") << KRHVC_STAGE_DIR "/station-concourse.json" << 6;
 }
 
 void tst_StageFile::shippedStage()

@@ -118,7 +118,7 @@ StageFile tst_StagePlayer::editableStage() const
 
 bool tst_StagePlayer::begin(StagePlayer *player) const
 {
-    if (!player->loadPlugin(QStringLiteral(FAKE_PLUGIN)))
+    if (!player->loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)))
         return false;
     player->begin(QString());
     const bool switched = QTest::qWaitFor([player] { return player->current().number == 2; });
@@ -176,7 +176,7 @@ void tst_StagePlayer::switchesShowTheCard()
     StagePlayer player(stage("1, 0, 1"), 5);
     QCOMPARE(player.scene().shownNumber(), 0);
     QCOMPARE(player.current().number, 0);
-    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QSignalSpy changed(&player, &StagePlayer::currentChanged);
     player.begin(QString());
     QTRY_COMPARE(changed.count(), 3);
@@ -194,7 +194,7 @@ void tst_StagePlayer::switchesShowTheCard()
 void tst_StagePlayer::unknownSequence()
 {
     StagePlayer player(stage("2, -1, 2147483647"), 5);
-    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     player.begin(QString());
     QTRY_COMPARE(details(player, PlayerEvent::Switch),
         QStringList(
@@ -224,7 +224,7 @@ void tst_StagePlayer::logDirectory()
     const QString logs = relative.isEmpty() ? QString() : directory.filePath(relative);
 
     StagePlayer player(stage(""), 5);
-    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     player.begin(logs);
     const QString expected = usable ? logs : QString();
     QCOMPARE(player.logDirectory(), expected);
@@ -237,7 +237,7 @@ void tst_StagePlayer::panelLeavesTheStageBeforeThePluginGoes()
 {
     {
         StagePlayer player(stage(""), 5);
-        QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+        QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
         player.begin(QString());
         QVERIFY(player.host().panel());
     }
@@ -250,7 +250,7 @@ void tst_StagePlayer::panelLeavesTheStageBeforeThePluginGoes()
 void tst_StagePlayer::window()
 {
     StagePlayer player(stage("1"), 5);
-    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     MainWindow window(&player);
     window.show();
     const auto label
@@ -377,8 +377,9 @@ void tst_StagePlayer::addedContent()
     QCOMPARE(
         events.value(0).toMap().value(QStringLiteral("seq")).toList(), QVariantList({1, 2, 3}));
 
-    QVERIFY(QMetaObject::invokeMethod(
-        QPluginLoader(QStringLiteral(FAKE_PLUGIN)).instance(), "contentStarted", Q_ARG(int, 2)));
+    QVERIFY(
+        QMetaObject::invokeMethod(QPluginLoader(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)).instance(),
+            "contentStarted", Q_ARG(int, 2)));
     QCOMPARE(player.current().title, QStringLiteral("New & shiny"));
     QCOMPARE(player.scene().shownNumber(), 3);
 }
@@ -524,7 +525,7 @@ void tst_StagePlayer::menusWithoutGui()
 {
     StagePlayer player(stage("1"), 5);
     MainWindow window(&player);
-    QVERIFY(player.loadPlugin(QStringLiteral(FAKE_PLUGIN)));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     player.begin(QString());
     window.showPluginInformation();
     auto *const menu = window.findChild<QMenu *>(QStringLiteral("pluginMenu"));

@@ -23,7 +23,7 @@ QByteArray tst_BareHost::run(const QString &directory, const QString &arguments)
 {
     QProcess host;
     host.setWorkingDirectory(directory);
-    host.start(QStringLiteral(KRHVC_BAREHOST_FILE),
+    host.start(QStringLiteral(KRHVC_BARE_HOST_FILE),
         QStringList{QStringLiteral(KRHVC_PLUGIN_FILE)} + arguments.split(QLatin1Char(' ')));
     if (!host.waitForFinished(60000))
         return QByteArrayLiteral("no end");

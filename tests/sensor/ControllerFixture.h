@@ -59,7 +59,7 @@ public:
     bool install(
         const QByteArray &commands, const QString &name = QStringLiteral("HvcCon.exe")) const
     {
-        return (exists(name) || QFile::copy(QStringLiteral(STANDIN), filePath(name)))
+        return (exists(name) || QFile::copy(QStringLiteral(KRHVC_STANDIN_FILE), filePath(name)))
             && write(name + QLatin1String(".do"), commands);
     }
 

@@ -47,7 +47,7 @@ public:
     QString copyOfProgram(const QString &file) const
     {
         QDir().mkpath(QFileInfo(path(file)).path());
-        return QFile::copy(QStringLiteral(STANDIN), path(file)) ? path(file) : QString();
+        return QFile::copy(QStringLiteral(KRHVC_STANDIN_FILE), path(file)) ? path(file) : QString();
     }
 
     /// Runs a program that says a word when it is up; null when it does not.

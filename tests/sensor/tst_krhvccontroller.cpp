@@ -240,7 +240,8 @@ void tst_KrHvcController::settingsTakeEffectAtTheNextStart()
 void tst_KrHvcController::nativeProgram()
 {
     const SensorDirectory directory;
-    QVERIFY(QFile::copy(QStringLiteral(STANDIN), directory.filePath(QStringLiteral("HvcCon.exe"))));
+    QVERIFY(QFile::copy(
+        QStringLiteral(KRHVC_STANDIN_FILE), directory.filePath(QStringLiteral("HvcCon.exe"))));
     const WatchedController watched(directory.path());
     watched->start();
     QStringList log{QStringLiteral("started"), QStringLiteral("data: native 3 921600 500\n")};
@@ -445,7 +446,7 @@ void tst_KrHvcController::failedStart()
     } else if (kind == QLatin1String("empty")) {
         QVERIFY(directory.write(name) && QFile::setPermissions(program, executable));
     } else if (kind == QLatin1String("cut")) {
-        QFile whole(QStringLiteral(STANDIN));
+        QFile whole(QStringLiteral(KRHVC_STANDIN_FILE));
         QVERIFY(whole.open(QIODevice::ReadOnly));
         QVERIFY(directory.write(name, whole.read(10)));
         QVERIFY(QFile::setPermissions(program, executable));

@@ -86,7 +86,7 @@ void tst_Simulator::init()
 {
     m_output.clear();
     m_process = std::make_unique<QProcess>();
-    m_process->setProgram(QStringLiteral(KRHVC_SIMULATOR));
+    m_process->setProgram(QStringLiteral(KRHVC_SIMULATOR_FILE));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("KRHVC_SCENARIO"));
     environment.remove(QStringLiteral("KRHVC_REPLAY"));
