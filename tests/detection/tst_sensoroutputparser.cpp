@@ -1,6 +1,6 @@
 #include "detection/SensorOutputParser.h"
+#include "tests/support/Files.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTranslator>
 #include <QVariantMap>
@@ -91,8 +91,7 @@ QString brokenRule(const SensorFrame &frame)
 QByteArray readData(const QString &name)
 {
     const QString path = "data/"_s + name;
-    QFile file(QFINDTESTDATA(path));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return KrTest::readFile(QFINDTESTDATA(path));
 }
 
 /// Stands for a catalogue of the host's language.

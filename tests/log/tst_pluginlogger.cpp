@@ -1,6 +1,7 @@
 #include "log/LogDivision.h"
 #include "log/LogFormat.h"
 #include "log/PluginLogger.h"
+#include "tests/support/Files.h"
 #include "tests/support/OwnProcess.h"
 
 #include <QCoreApplication>
@@ -21,6 +22,7 @@
 #include <sys/stat.h>
 #endif
 
+using namespace KrTest;
 using namespace PluginKrHvcP2;
 
 namespace {
@@ -31,23 +33,6 @@ constexpr qint64 AtOnceMs = 10000; // on a machine that is busy with other thing
 
 const QString LogName = QStringLiteral("plugin_20180201.txt");
 const QString LockName = QStringLiteral("plugin.lock");
-
-bool createFile(const QString &path, const QByteArray &content = QByteArray())
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-/// The text of a file, with the system's line ends as line feeds.
-QString readFile(const QString &path)
-{
-    QFile file(path);
-    QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-#ifdef Q_OS_WIN
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-#endif
-    return text;
-}
 
 bool setFileTime(const QString &path, const QDateTime &time)
 {
@@ -112,7 +97,7 @@ int runWithoutApplication(const QString &directory)
     if (!logger.write(QStringLiteral("free"), Notice, LongTimeoutMs))
         return 1;
     const QString lockPath = QDir(directory).absoluteFilePath(LockName);
-    if (!createFile(lockPath))
+    if (!writeFile(lockPath))
         return 2;
     if (logger.write(QStringLiteral("locked"), Notice, ShortTimeoutMs))
         return 3;
@@ -131,7 +116,7 @@ struct LateWriter
             return;
         PluginLogger &logger = PluginLogger::instance();
         logger.setSettings(settingsFor(directory));
-        createFile(QDir(directory).absoluteFilePath(LockName));
+        writeFile(QDir(directory).absoluteFilePath(LockName));
         logger.write(QStringLiteral("locked"), Notice, ShortTimeoutMs);
         QFile::remove(QDir(directory).absoluteFilePath(LockName));
         logger.write(QStringLiteral("late"), Notice, LongTimeoutMs);
@@ -229,7 +214,7 @@ private slots:
 
 private:
     QString path(const QString &name) const { return m_directory->filePath(name); }
-    QString log() const { return readFile(path(LogName)); }
+    QString log() const { return readText(path(LogName)); }
     QStringList files() const
     {
         return QDir(m_directory->path())
@@ -239,7 +224,7 @@ private:
     /// A lock file that another process took @p ageMs milliseconds ago.
     bool createLock(qint64 ageMs = 0) const
     {
-        return createFile(path(LockName)) && setFileTime(path(LockName), m_now.addMSecs(-ageMs));
+        return writeFile(path(LockName)) && setFileTime(path(LockName), m_now.addMSecs(-ageMs));
     }
     bool write(const QString &message, int timeoutMs = LongTimeoutMs) const
     {
@@ -400,7 +385,7 @@ void tst_PluginLogger::wrappers()
 
 void tst_PluginLogger::appends()
 {
-    QVERIFY(createFile(path(LogName), "before\n"));
+    QVERIFY(writeFile(path(LogName), "before\n"));
     QVERIFY(write(QStringLiteral("a")));
     m_now = m_now.addSecs(1);
     QVERIFY(write(QStringLiteral("b")));
@@ -408,21 +393,19 @@ void tst_PluginLogger::appends()
     QVERIFY(write(QStringLiteral("c")));
     QCOMPARE(log(),
         QStringLiteral("before\n2018-02-01 09:30:00 Notice: a\n2018-02-01 09:30:01 Notice: b\n"));
-    QCOMPARE(readFile(path(QStringLiteral("plugin_20180202.txt"))),
+    QCOMPARE(readText(path(QStringLiteral("plugin_20180202.txt"))),
         QStringLiteral("2018-02-02 09:30:01 Notice: c\n"));
 }
 
 void tst_PluginLogger::bytes()
 {
     QVERIFY(write(QString::fromUtf8("\xE5\xB9\xB4 \xC3\xA4 \xF0\x9F\x98\x80")));
-    QFile file(path(LogName));
-    QVERIFY(file.open(QIODevice::ReadOnly));
 #ifdef Q_OS_WIN
     const QByteArray lineEnd = "\r\n";
 #else
     const QByteArray lineEnd = "\n";
 #endif
-    QCOMPARE(file.readAll(),
+    QCOMPARE(readFile(path(LogName)),
         QByteArray("2018-02-01 09:30:00 Notice: \xE5\xB9\xB4 \xC3\xA4 \xF0\x9F\x98\x80" + lineEnd));
 }
 
@@ -454,17 +437,17 @@ void tst_PluginLogger::removedDirectory()
     QVERIFY(QDir(directory).removeRecursively());
     QVERIFY(write(QStringLiteral("b")));
     QCOMPARE(
-        messages(readFile(QDir(directory).filePath(LogName))), QStringList{QStringLiteral("b")});
+        messages(readText(QDir(directory).filePath(LogName))), QStringList{QStringLiteral("b")});
 }
 
 void tst_PluginLogger::fileInPlaceOfDirectory()
 {
-    QVERIFY(createFile(path(QStringLiteral("file")), "text"));
+    QVERIFY(writeFile(path(QStringLiteral("file")), "text"));
     for (const char *directory : {"file", "file/logs"}) {
         m_logger->setSettings(settingsFor(path(QString::fromLatin1(directory))));
         QVERIFY(!write(QStringLiteral("a")));
         QCOMPARE(files(), QStringList{QStringLiteral("file")});
-        QCOMPARE(readFile(path(QStringLiteral("file"))), QStringLiteral("text"));
+        QCOMPARE(readText(path(QStringLiteral("file"))), QStringLiteral("text"));
     }
     // The failure leaves the logger usable.
     m_logger->setSettings(settingsFor(m_directory->path()));
@@ -540,7 +523,7 @@ void tst_PluginLogger::midnightInTheWait()
     });
     QVERIFY(write(QStringLiteral("a")));
     QCOMPARE(files(), QStringList{QStringLiteral("plugin_20180202.txt")});
-    QCOMPARE(readFile(path(QStringLiteral("plugin_20180202.txt"))),
+    QCOMPARE(readText(path(QStringLiteral("plugin_20180202.txt"))),
         QStringLiteral("2018-02-02 00:00:00 Notice: a\n"));
 }
 
@@ -592,7 +575,7 @@ void tst_PluginLogger::lockThatComesAndGoes()
     std::atomic<bool> isDone{false};
     std::thread other([&] {
         while (!isDone) {
-            createFile(path(LockName));
+            writeFile(path(LockName));
             QFile::remove(path(LockName));
             for (int pause = 0; pause < 3 && !isDone; ++pause)
                 std::this_thread::yield();
@@ -747,7 +730,7 @@ void tst_PluginLogger::settingsThatChangeInTheWait()
     // Nobody holds the lock of the new directory.
     QVERIFY(write(QStringLiteral("first")));
     QCOMPARE(files(), QStringList({QStringLiteral("other"), LockName}));
-    QCOMPARE(messages(readFile(QDir(other).filePath(LogName))),
+    QCOMPARE(messages(readText(QDir(other).filePath(LogName))),
         QStringList({QStringLiteral("first"), QStringLiteral("kept")}));
     QCOMPARE(QDir(other).entryList(QDir::Files), QStringList{LogName});
 }
@@ -963,7 +946,7 @@ void tst_PluginLogger::manyProcesses()
     const QStringList logFiles = files(); // two when it is midnight now
     for (const QString &name : logFiles) {
         QVERIFY2(name.startsWith(QLatin1String("plugin_")), qPrintable(name));
-        written += messages(readFile(path(name)));
+        written += messages(readText(path(name)));
     }
 #ifdef Q_OS_WIN
     // Two writers may take the lock at the same moment, and files have no common end there: a
@@ -1016,7 +999,7 @@ void tst_PluginLogger::staticDestructor()
     QCOMPARE(process.exitCode(), 0);
     const QStringList logFiles = files();
     QCOMPARE(logFiles.size(), 1);
-    QCOMPARE(messages(readFile(path(logFiles.first()))), expected);
+    QCOMPARE(messages(readText(path(logFiles.first()))), expected);
 }
 
 void tst_PluginLogger::oddLockFile_data()
@@ -1102,7 +1085,7 @@ void tst_PluginLogger::linkedLockFile()
 #ifdef Q_OS_UNIX
     const QString victim = path(QStringLiteral("victim"));
     if (!isDangling) {
-        QVERIFY(createFile(victim, "precious"));
+        QVERIFY(writeFile(victim, "precious"));
         QVERIFY(setFileTime(victim, m_now.addMSecs(-ageMs)));
     }
     QVERIFY(QFile::link(victim, path(LockName)));
@@ -1114,7 +1097,7 @@ void tst_PluginLogger::linkedLockFile()
     QVERIFY(isFree || stopwatch.elapsed() >= ShortTimeoutMs);
     QCOMPARE(messages(log()), isFree ? QStringList{QStringLiteral("a")} : QStringList());
     QCOMPARE(QFile::exists(victim), !isDangling);
-    QCOMPARE(readFile(victim), isDangling ? QString() : QStringLiteral("precious"));
+    QCOMPARE(readText(victim), isDangling ? QString() : QStringLiteral("precious"));
     // A lock that is taken belongs to whoever took it, and goes with it.
     QCOMPARE(QFileInfo(path(LockName)).isSymLink(), !isFree);
 #else
@@ -1129,7 +1112,7 @@ void tst_PluginLogger::linkedLockFileLosesItsTarget()
 {
 #ifdef Q_OS_UNIX
     const QString target = path(QStringLiteral("target"));
-    QVERIFY(createFile(target));
+    QVERIFY(writeFile(target));
     QVERIFY(setFileTime(target, m_now));
     QVERIFY(QFile::link(target, path(LockName)));
     QTimer::singleShot(50, this, [&] { QFile::remove(target); });
@@ -1144,11 +1127,11 @@ void tst_PluginLogger::linkedLogFile()
 {
 #ifdef Q_OS_UNIX
     const QString victim = path(QStringLiteral("victim"));
-    QVERIFY(createFile(victim, "precious\n"));
+    QVERIFY(writeFile(victim, "precious\n"));
     QVERIFY(QFile::link(victim, path(LogName)));
 
     write(QStringLiteral("a")); // appends, or refuses
-    QVERIFY(readFile(victim).startsWith(QLatin1String("precious\n")));
+    QVERIFY(readText(victim).startsWith(QLatin1String("precious\n")));
     QVERIFY(!QFile::exists(path(LockName)));
 #else
     QSKIP("links are shortcuts in this file system");
@@ -1202,7 +1185,7 @@ void tst_PluginLogger::cleanUp()
     LogSettings settings = m_logger->settings();
     settings.retentionDays = retentionDays;
     m_logger->setSettings(settings);
-    QVERIFY(createFile(path(fileName), "old"));
+    QVERIFY(writeFile(path(fileName), "old"));
     QVERIFY(write(QStringLiteral("a")));
     QCOMPARE(QFile::exists(path(fileName)), isKept);
     QCOMPARE(messages(log()), QStringList{QStringLiteral("a")});
@@ -1214,9 +1197,9 @@ void tst_PluginLogger::cleanUpOtherKinds()
     settings.extension = QStringLiteral("log");
     m_logger->setSettings(settings);
     QVERIFY(QDir().mkdir(path(QStringLiteral("d_20170101.log"))));
-    QVERIFY(createFile(path(QStringLiteral("x_20170101.txt"))));
-    QVERIFY(createFile(path(QStringLiteral("x_20170101.log"))));
-    QVERIFY(createFile(path(QStringLiteral("x_20170101log"))));
+    QVERIFY(writeFile(path(QStringLiteral("x_20170101.txt"))));
+    QVERIFY(writeFile(path(QStringLiteral("x_20170101.log"))));
+    QVERIFY(writeFile(path(QStringLiteral("x_20170101log"))));
     QVERIFY(write(QStringLiteral("a")));
     QCOMPARE(files(),
         QStringList({QStringLiteral("d_20170101.log"), QStringLiteral("plugin_20180201.log"),
@@ -1227,14 +1210,14 @@ void tst_PluginLogger::cleanUpOnceADay()
 {
     const QString old = path(QStringLiteral("plugin_20170101.txt"));
     QVERIFY(write(QStringLiteral("a")));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     m_now.setTime(QTime(23, 59, 59, 999));
     QVERIFY(write(QStringLiteral("b")));
     QVERIFY(QFile::exists(old));
     m_now = m_now.addMSecs(1);
     QVERIFY(write(QStringLiteral("c")));
     QVERIFY(!QFile::exists(old));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     QVERIFY(write(QStringLiteral("d")));
     QVERIFY(QFile::exists(old));
 }
@@ -1245,7 +1228,7 @@ void tst_PluginLogger::cleanUpAfterTheClockWasSetBack()
     QVERIFY(write(QStringLiteral("a")));
     m_now = m_now.addDays(1);
     QVERIFY(write(QStringLiteral("b")));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     m_now = m_now.addDays(-1);
     QVERIFY(write(QStringLiteral("c")));
     QVERIFY(!QFile::exists(old)); // another date than that of the last time
@@ -1255,7 +1238,7 @@ void tst_PluginLogger::cleanUpAfterTheClockWasSetBack()
 void tst_PluginLogger::cleanUpNeedsALock()
 {
     const QString old = path(QStringLiteral("plugin_20170101.txt"));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     QVERIFY(createLock());
     QVERIFY(!write(QStringLiteral("a"), ShortTimeoutMs));
     QVERIFY(QFile::exists(old));
@@ -1267,7 +1250,7 @@ void tst_PluginLogger::cleanUpNeedsALock()
 void tst_PluginLogger::filteredRecordsDoNotCleanUp()
 {
     const QString old = path(QStringLiteral("plugin_20170101.txt"));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     QVERIFY(m_logger->write(QStringLiteral("a"), 6, LongTimeoutMs));
     QCOMPARE(files(), QStringList{QStringLiteral("plugin_20170101.txt")});
 }
@@ -1275,7 +1258,7 @@ void tst_PluginLogger::filteredRecordsDoNotCleanUp()
 void tst_PluginLogger::defaultDirectoryDoesNotCount()
 {
     const QString old = path(QStringLiteral("plugin_20170101.txt"));
-    QVERIFY(createFile(old));
+    QVERIFY(writeFile(old));
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(m_directory->path()));
     m_logger->setSettings(LogSettings());

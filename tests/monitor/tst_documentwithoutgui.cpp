@@ -1,9 +1,9 @@
 #include "FileAccessSpy.h"
 
 #include "monitor/OfflineTextDocument.h"
+#include "tests/support/Files.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -76,10 +76,9 @@ void tst_DocumentWithoutGui::plainText()
         = withApplication ? std::make_unique<QCoreApplication>(argc, argv.data()) : nullptr;
 
     const QTemporaryDir directory;
-    QFile file(directory.filePath(QStringLiteral("named")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
-    FileAccessSpy access(file.fileName());
+    const QString file = directory.filePath(QStringLiteral("named"));
+    QVERIFY(KrTest::writeFile(file));
+    FileAccessSpy access(file);
     QVERIFY(access.isValid());
 
     OfflineTextDocument document;
@@ -87,7 +86,7 @@ void tst_DocumentWithoutGui::plainText()
     QVERIFY(layout.isValid());
     for (int frame = 0; frame < 2; ++frame) {
         document.clear();
-        document.setHtml(html.replace(QLatin1String("%1"), file.fileName()));
+        document.setHtml(html.replace(QLatin1String("%1"), file));
         QCOMPARE(document.toPlainText(), text);
     }
     QVERIFY(layout.isEmpty());

@@ -2,6 +2,7 @@
 
 #include "monitor/KrTextItem_Private.h"
 #include "monitor/OfflineTextDocument.h"
+#include "tests/support/Files.h"
 
 #include <QImage>
 #include <QPainter>
@@ -41,9 +42,7 @@ void tst_OfflineTextDocument::initTestCase()
     image.fill(Qt::red);
     QVERIFY(image.save(filePath(QStringLiteral("image.png"))));
 
-    QFile sheet(filePath(QStringLiteral("sheet.css")));
-    QVERIFY(sheet.open(QIODevice::WriteOnly));
-    QVERIFY(sheet.write("p { font-size: 60pt }") > 0);
+    QVERIFY(KrTest::writeFile(filePath(QStringLiteral("sheet.css")), "p { font-size: 60pt }"));
 }
 
 void tst_OfflineTextDocument::opensNoFile_data()

@@ -1,3 +1,5 @@
+#include "tests/support/Files.h"
+
 #include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -69,9 +71,7 @@ void tst_BareHost::reportWithoutFonts()
     QCOMPARE(run(directory.path(), QStringLiteral("core ask text")), QByteArrayLiteral("KrHvcP2"));
     const QStringList files = QDir(directory.path()).entryList(QDir::Files);
     QCOMPARE(files.size(), 1);
-    QFile log(directory.filePath(files.first()));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    const QString text = QString::fromUtf8(log.readAll());
+    const QString text = KrTest::readText(directory.filePath(files.first()));
     QVERIFY2(text.contains(QStringLiteral("Failed to do \uFFFCit")), qPrintable(text));
 }
 

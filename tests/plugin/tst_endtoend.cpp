@@ -1,15 +1,16 @@
 #include "PluginFixture.h"
+#include "tests/support/Files.h"
+#include "tests/support/SensorProgram.h"
+#include "tests/support/Waiting.h"
 
 #include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace KrTest;
 using namespace PluginTest;
 
 namespace {
-
-const QString Male = QStringLiteral("male");
-const QString Female = QStringLiteral("female");
 
 const QVector<Content> Contents{
     {20, 39, Female, false},
@@ -40,18 +41,8 @@ QList<int> switches(const QSignalSpy &spy)
     return result;
 }
 
-QVariantMap settings(int concurrent, int limitMs)
-{
-    return {
-        {QStringLiteral("concurrent"), concurrent},
-        {QStringLiteral("event-sending-limit"), limitMs},
-    };
-}
-
 const QString Started = record(QStringLiteral("Notice"), QStringLiteral("HvcCon process started."));
 const QString Stopped = record(QStringLiteral("Notice"), QStringLiteral("HvcCon process stopped."));
-
-constexpr int AnHour = 3600000;
 
 } // namespace
 
@@ -80,7 +71,7 @@ private slots:
 
 void tst_EndToEnd::cleanup()
 {
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     qunsetenv("KRHVC_SCENARIO");
 }
 
@@ -100,12 +91,12 @@ void tst_EndToEnd::switchesFollowTheViewers()
     plugin.init(Contents, settings(1, 0));
     plugin->start();
     // #1, #2, the default for women; nothing for the last man.
-    QTRY_COMPARE_WITH_TIMEOUT(switches(spy), QList<int>({0, 1, 2}), ProcessTimeoutMs);
-    QTRY_VERIFY_WITH_TIMEOUT(plugin.log().contains(QStringLiteral("Age:70")), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(switches(spy), QList<int>({0, 1, 2}), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(plugin.log().contains(QStringLiteral("Age:70")), Patience);
     const QString manOf70 = QStringLiteral("Gender:Male ");
     QTRY_VERIFY_WITH_TIMEOUT(
         plugin.log().mid(plugin.log().lastIndexOf(QStringLiteral(" #3"))).contains(manOf70),
-        ProcessTimeoutMs);
+        Patience);
 
     QCOMPARE(plugin->status(), 102);
     plugin->stop();
@@ -122,7 +113,7 @@ void tst_EndToEnd::switchesFollowTheViewers()
     QVERIFY(log.endsWith(Stopped));
     QTRY_VERIFY(panel.statusTexts().contains(QStringLiteral("Stopped.")));
     QVERIFY(panel.noticeTexts().contains(QStringLiteral("A switch to #3 has been sent.")));
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QCOMPARE(plugin.log(), log); // its forced end is no crash
 }
 
@@ -138,7 +129,7 @@ void tst_EndToEnd::restrictedSwitchIsSentOnce()
     const QString restricted = record(QStringLiteral("Notice"),
         QStringLiteral(
             "#1 is not sent now because it is within the limited min-time(3600000 msec.)."));
-    QTRY_VERIFY_WITH_TIMEOUT(plugin.log().count(restricted) >= 5, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(plugin.log().count(restricted) >= 5, Patience);
     QCOMPARE(spy.size(), 2); // once each, the bigger face first
     QCOMPARE(switches(spy), QList<int>({0, 1}));
     QVERIFY(plugin.log().contains(QStringLiteral("The determined sequence number: #1 #2\n")));
@@ -156,8 +147,7 @@ void tst_EndToEnd::framesInPieces()
     plugin.init(Contents, settings(1, 0));
     plugin->start();
     // Whole faces in a piece count; when the pieces end, the bigger face leads for good.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        spy.size() >= 10 && plugin->currentSequenceIndex() == 0, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(spy.size() >= 10 && plugin->currentSequenceIndex() == 0, Patience);
     const QList<int> seen = switches(spy);
     for (const int index : seen)
         QVERIFY(index == 0 || index == 1);
@@ -173,11 +163,11 @@ void tst_EndToEnd::portWithoutSensor()
     plugin->start();
     const QString text = QStringLiteral("Failed to open COM port.");
     QTRY_VERIFY_WITH_TIMEOUT(
-        plugin.log().contains(record(QStringLiteral("Error"), text)), ProcessTimeoutMs);
+        plugin.log().contains(record(QStringLiteral("Error"), text)), Patience);
     const QString row
         = QStringLiteral("<tr><td><span style=\"color:red;font-weight:bold;\">%1</span></td></tr>");
     QTRY_VERIFY(panel.statusHtml().contains(rendered(table(row.arg(text)))));
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QCOMPARE(plugin->status(), 102); // it will be tried again
 }
 
@@ -193,11 +183,11 @@ void tst_EndToEnd::crashedSensorIsStartedAgain()
     plugin->start();
     const QString crashed = record(QStringLiteral("Error"),
         QStringLiteral("Error occured in the process controller. Crashed."));
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log().count(crashed), 1, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log().count(crashed), 1, Patience);
     QElapsedTimer timer;
     timer.start();
     const int before = spy.size();
-    QTRY_VERIFY_WITH_TIMEOUT(spy.size() > before, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(spy.size() > before, Patience);
     QVERIFY2(timer.elapsed() > 4000, "it was started again too early");
     QCOMPARE(plugin.log().count(Started), 2);
     QCOMPARE(plugin->status(), 102);
@@ -211,8 +201,8 @@ void tst_EndToEnd::deletionInsideTheHost()
     const RuthlessHost host;
     connect(plugin.object(), SIGNAL(contentStarted(int)), &host, SLOT(deleteSender()));
     plugin->start();
-    QTRY_VERIFY_WITH_TIMEOUT(plugin.object() == nullptr, ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(plugin.object() == nullptr, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QVERIFY(plugin.log().contains(QStringLiteral("Age:25")));
 }
 

@@ -1,14 +1,17 @@
-#include "PluginFixture.h"
+#include "tests/support/Files.h"
+#include "tests/support/SensorProgram.h"
+#include "tests/support/Waiting.h"
 
+#include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
-#include <vector>
 
-using namespace PluginTest;
-using PluginKrHvcP2::ProcessList::ProcessId;
+using namespace KrTest;
 
 /// A host that is killed cannot end its sensor program. The next one does, and starts its own.
 class tst_HostKilled : public QObject
@@ -22,7 +25,7 @@ private slots:
 
 private:
     void startHost(QProcess &host) const;
-    std::vector<ProcessId> started() const;
+    QVector<ProcessId> started() const { return startedStandIns(m_directory.path()); }
     static bool runs(ProcessId id);
 
     QTemporaryDir m_directory;
@@ -32,7 +35,7 @@ private:
 void tst_HostKilled::initTestCase()
 {
     QVERIFY(m_directory.isValid());
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     // A copy of the plug-in, for it looks for its sensor program beside itself.
     const QString original = QStringLiteral(KRHVC_PLUGIN_FILE);
     m_plugin = m_directory.filePath(QFileInfo(original).fileName());
@@ -44,8 +47,8 @@ void tst_HostKilled::initTestCase()
 void tst_HostKilled::cleanup()
 {
     // What lost its host goes when this file is there.
-    QVERIFY(writeFile(m_directory.filePath(QStringLiteral("end")), {}));
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QVERIFY(writeFile(m_directory.filePath(QStringLiteral("end"))));
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 }
 
 void tst_HostKilled::startHost(QProcess &host) const
@@ -54,18 +57,6 @@ void tst_HostKilled::startHost(QProcess &host) const
         {QStringLiteral("--headless"), QStringLiteral("--plugin"), m_plugin,
             QStringLiteral("--stage"), m_directory.filePath(QStringLiteral("stage.json")),
             QStringLiteral("--log-dir"), m_directory.filePath(QStringLiteral("logs"))});
-}
-
-/// The sensor programs that were ever started, oldest first.
-std::vector<ProcessId> tst_HostKilled::started() const
-{
-    std::vector<ProcessId> ids;
-    const auto lines = readFile(m_directory.filePath(QStringLiteral("pids"))).split('\n');
-    for (const QByteArray &line : lines) {
-        if (!line.isEmpty())
-            ids.push_back(line.toUInt());
-    }
-    return ids;
 }
 
 bool tst_HostKilled::runs(ProcessId id)
@@ -81,11 +72,11 @@ void tst_HostKilled::theNextHostEndsTheOldProgram()
 
     QProcess first;
     startHost(first);
-    QTRY_COMPARE_WITH_TIMEOUT(started().size(), std::size_t(1), ProcessTimeoutMs);
-    const ProcessId oldProgram = started().front();
+    QTRY_COMPARE_WITH_TIMEOUT(started().size(), 1, Patience);
+    const ProcessId oldProgram = started().first();
     QVERIFY(runs(oldProgram));
     first.kill();
-    QVERIFY(first.waitForFinished(ProcessTimeoutMs));
+    QVERIFY(first.waitForFinished(Patience));
     QTest::qWait(200);
     QVERIFY(runs(oldProgram)); // still holds the port
     QCOMPARE(sensorProcessCount(), 1);
@@ -94,14 +85,14 @@ void tst_HostKilled::theNextHostEndsTheOldProgram()
     QElapsedTimer clock;
     clock.start();
     startHost(second);
-    QTRY_VERIFY_WITH_TIMEOUT(!runs(oldProgram), ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!runs(oldProgram), Patience);
     const qint64 ended = clock.elapsed();
-    QTRY_COMPARE_WITH_TIMEOUT(started().size(), std::size_t(2), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(started().size(), 2, Patience);
     const qint64 restarted = clock.elapsed();
     // Timers may be 5 % early.
     QVERIFY2(ended >= 5000 - 250, QByteArray::number(ended).constData());
     QVERIFY2(restarted >= 5100 - 255, QByteArray::number(restarted).constData());
-    const ProcessId newProgram = started().back();
+    const ProcessId newProgram = started().last();
     QVERIFY(newProgram != oldProgram);
     QTest::qWait(200);
     QVERIFY(runs(newProgram));
@@ -111,7 +102,7 @@ void tst_HostKilled::theNextHostEndsTheOldProgram()
     QCOMPARE(second.state(), QProcess::Running);
 
     second.kill();
-    QVERIFY(second.waitForFinished(ProcessTimeoutMs));
+    QVERIFY(second.waitForFinished(Patience));
 }
 
 QTEST_GUILESS_MAIN(tst_HostKilled)

@@ -1,4 +1,7 @@
 #include "PluginFixture.h"
+#include "tests/support/Files.h"
+#include "tests/support/SensorProgram.h"
+#include "tests/support/Waiting.h"
 
 #include <QApplication>
 #include <QDate>
@@ -14,6 +17,7 @@
 #include <sys/stat.h>
 #endif
 
+using namespace KrTest;
 using namespace PluginTest;
 
 namespace {
@@ -47,8 +51,7 @@ QStringList rendered(const QStringList &lines)
 /// and ends on the first key.
 bool installStandIn(const LoadedPlugin &plugin)
 {
-    return PluginTest::installStandIn(
-        plugin.path(QString()), "note-arguments starts\nnote-key key");
+    return KrTest::installStandIn(plugin.path(QString()), "note-arguments starts\nnote-key key");
 }
 
 QByteArray starts(const LoadedPlugin &plugin)
@@ -131,7 +134,7 @@ private slots:
 
 void tst_Lifecycle::cleanup()
 {
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 }
 
 void tst_Lifecycle::logBeforeAndAfterItIsSet()
@@ -321,9 +324,8 @@ void tst_Lifecycle::aWholeLife()
     QCOMPARE(plugin->start(), true);
     QCOMPARE(plugin->status(), 102);
     lines << StartingLine << StartedLine;
-    QTRY_COMPARE_WITH_TIMEOUT(
-        starts(plugin), QByteArrayLiteral("3 921600 500\n"), ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("3 921600 500\n"), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     QCOMPARE(plugin->status(), 102);
 
     QCOMPARE(plugin->pause(), true);
@@ -338,7 +340,7 @@ void tst_Lifecycle::aWholeLife()
     QCOMPARE(plugin->stop(), true);
     QCOMPARE(plugin->status(), 100);
     lines << StoppingLine << StoppedLine;
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QTRY_COMPARE(panel.statusHtml(), rendered(lines));
     QCOMPARE(plugin.log(), QString(ProcessStarted + ProcessStopped)); // and no crash
 
@@ -350,7 +352,7 @@ void tst_Lifecycle::aWholeLife()
     QCOMPARE(plugin->status(), 102);
     lines << StartingLine << StartedLine;
     QTRY_COMPARE_WITH_TIMEOUT(
-        starts(plugin), QByteArrayLiteral("3 921600 500\n3 921600 500\n"), ProcessTimeoutMs);
+        starts(plugin), QByteArrayLiteral("3 921600 500\n3 921600 500\n"), Patience);
     QTRY_COMPARE(panel.statusHtml(), rendered(lines));
     QTRY_COMPARE(plugin.log(), QString(ProcessStarted + ProcessStopped + ProcessStarted));
     QCOMPARE(panel.noticeHtml(), QStringList());
@@ -363,15 +365,15 @@ void tst_Lifecycle::secondStart()
     plugin->init();
     plugin->start();
     QCOMPARE(plugin->start(), true); // while the first one is still on its way
-    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 1, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 1, Patience);
 
     const QByteArray before = starts(plugin);
     QCOMPARE(plugin->start(), true); // while it runs
     QCOMPARE(plugin->status(), 102);
     plugin->stop();
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QCOMPARE(starts(plugin), before);
     QVERIFY(plugin.log().endsWith(ProcessStopped));
 }
@@ -432,8 +434,8 @@ void tst_Lifecycle::initWhileTheProgramRuns()
     QVERIFY(installStandIn(plugin));
     plugin->init();
     plugin->start();
-    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     plugin->init();
     QCOMPARE(sensorProcessCount(), 0);
     QCOMPARE(plugin->status(), 110);
@@ -492,7 +494,7 @@ void tst_Lifecycle::settingIni()
     plugin->init();
     QCOMPARE(plugin->start(), true);
     QCOMPARE(plugin->status(), 102);
-    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArray(arguments + '\n'), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArray(arguments + '\n'), Patience);
 }
 
 void tst_Lifecycle::programCalledWithTheScreensInterval()
@@ -503,8 +505,7 @@ void tst_Lifecycle::programCalledWithTheScreensInterval()
     plugin->init();
     plugin->setParams({{QStringLiteral("interval"), 2000}}); // read when the program starts
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(
-        starts(plugin), QByteArrayLiteral("5 921600 2000\n"), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("5 921600 2000\n"), Patience);
 }
 
 void tst_Lifecycle::portAndSpeedStick()
@@ -515,20 +516,19 @@ void tst_Lifecycle::portAndSpeedStick()
     QVERIFY(writeFile(ini, "[Main]\nPort=7\nSpeed=9600\nInterval=50\n"));
     plugin->init();
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("7 9600 50\n"), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("7 9600 50\n"), Patience);
     plugin->stop();
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 
     QVERIFY(QFile::remove(ini));
     plugin->start(); // reads the file again; the interval is the screen's
     QTRY_COMPARE_WITH_TIMEOUT(
-        starts(plugin), QByteArrayLiteral("7 9600 50\n7 9600 500\n"), ProcessTimeoutMs);
+        starts(plugin), QByteArrayLiteral("7 9600 50\n7 9600 500\n"), Patience);
 
     QVERIFY(QFile::remove(plugin.path(QStringLiteral("starts"))));
     plugin->init(); // a new controller with its own defaults
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(
-        starts(plugin), QByteArrayLiteral("3 921600 500\n"), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("3 921600 500\n"), Patience);
 }
 
 void tst_Lifecycle::programMissing()
@@ -540,7 +540,7 @@ void tst_Lifecycle::programMissing()
     QTRY_COMPARE_WITH_TIMEOUT(plugin.log(),
         record(QStringLiteral("Error"),
             QStringLiteral("Error occured in the process controller. Failed to start.")),
-        ProcessTimeoutMs);
+        Patience);
     QCOMPARE(plugin->status(), 102);
     QTRY_COMPARE(
         panel.statusHtml(), rendered(QStringList({Initialized, StartingLine, StartedLine})));
@@ -557,7 +557,7 @@ void tst_Lifecycle::directoryIsFixedByInit()
     plugin->init();
     plugin->setPath(other.path());
     plugin->start(); // the program from the old directory, the file from the new one
-    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("8 1 500\n"), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(starts(plugin), QByteArrayLiteral("8 1 500\n"), Patience);
 }
 
 void tst_Lifecycle::stopKeyIsASpace()
@@ -567,7 +567,7 @@ void tst_Lifecycle::stopKeyIsASpace()
     const QString key = plugin.path(QStringLiteral("key"));
     plugin->init();
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     plugin->stop();
     // Its end is forced as soon as events are handled; until then it can see the key.
     QVERIFY(waitWithoutEvents([&key] { return !readFile(key).isEmpty(); }));
@@ -580,8 +580,8 @@ void tst_Lifecycle::deletionEndsTheProgram()
     QVERIFY(installStandIn(plugin));
     plugin->init();
     plugin->start();
-    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), ProcessTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!starts(plugin).isEmpty(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     plugin.destroy();
     QCOMPARE(sensorProcessCount(), 0);
     QCOMPARE(plugin.log(), QString(ProcessStarted + ProcessStopped));
@@ -604,7 +604,7 @@ void tst_Lifecycle::deletionWhileTheLogIsLocked()
     QVERIFY(installStandIn(plugin));
     plugin->init();
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     const QString lock = plugin.takeLogLock();
     int events = 0;
     QTimer::singleShot(0, this, [&] { ++events; }); // say, the host deletes it once more
@@ -623,13 +623,13 @@ void tst_Lifecycle::outputThatArrivesInTheDeletion()
     LoadedPlugin plugin;
     const QString face = faceLines(0, 100, 25, QStringLiteral("Female"));
     QVERIFY(writeFile(plugin.path(QStringLiteral("output")), face.toUtf8()));
-    QVERIFY(PluginTest::installStandIn(
+    QVERIFY(KrTest::installStandIn(
         plugin.path(QString()), "wait go\ncopy output\ntouch done\nforever"));
     plugin.init({{20, 30, QStringLiteral("female"), false}});
     const QSignalSpy requests(plugin.object(), SIGNAL(contentStarted(int)));
     QVERIFY(requests.isValid());
     plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     QVERIFY(writeFile(plugin.path(QStringLiteral("go")), {}));
     const QString done = plugin.path(QStringLiteral("done"));
     QVERIFY(waitWithoutEvents([&] { return QFile::exists(done); }));
@@ -646,16 +646,14 @@ void tst_Lifecycle::outputReachesTheLog()
     QVERIFY(writeFile(
         plugin.path(QStringLiteral("output")), "Face result count:0\r\nPress Space Key to end: "));
     QVERIFY(writeFile(plugin.path(QStringLiteral("errors")), "standard error goes nowhere\n"));
-    QVERIFY(
-        PluginTest::installStandIn(plugin.path(QString()), "copy-error errors\ncopy output\nkey"));
+    QVERIFY(KrTest::installStandIn(plugin.path(QString()), "copy-error errors\ncopy output\nkey"));
     plugin->init();
     plugin->start();
     const QString row = QStringLiteral(
         "<tr><td><span style=\"color:orange;\">Face result count:0</span></td></tr>");
     // The system may report the output before the start.
     const QString output = notice(QStringLiteral("Face result count:0"));
-    QTRY_COMPARE_WITH_TIMEOUT(
-        plugin.log().size(), ProcessStarted.size() + output.size(), ProcessTimeoutMs);
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.log().size(), ProcessStarted.size() + output.size(), Patience);
     const QString log = plugin.log();
     QCOMPARE(
         log, QString(log.startsWith(output) ? output + ProcessStarted : ProcessStarted + output));

@@ -1,4 +1,5 @@
 #include "PluginFixture.h"
+#include "tests/support/TimeZone.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -8,17 +9,13 @@
 #include <QTest>
 #include <QTimer>
 
-#include <ctime>
 #include <functional>
 #include <limits>
 
+using namespace KrTest;
 using namespace PluginTest;
 
 namespace {
-
-const QString Male = QStringLiteral("male");
-const QString Female = QStringLiteral("female");
-const QString Both = QStringLiteral("both");
 
 /// #1 and #2 for the young, #3 and #4 for the old.
 const QVector<Content> FourContents{
@@ -27,16 +24,6 @@ const QVector<Content> FourContents{
     {40, 59, Female, false},
     {40, 59, Male, false},
 };
-
-QVariantMap settings(int concurrent, int limitMs)
-{
-    return {
-        {QStringLiteral("concurrent"), concurrent},
-        {QStringLiteral("event-sending-limit"), limitMs},
-    };
-}
-
-constexpr int AnHour = 3600000;
 
 QString invalid(int number)
 {
@@ -82,32 +69,6 @@ QList<int> indexes(const QSignalSpy &spy)
         result.append(arguments.constFirst().toInt());
     return result;
 }
-
-/// Lets this process live in another time zone.
-class TimeZone
-{
-public:
-    explicit TimeZone(const QByteArray &name)
-        : m_previous(qgetenv("TZ"))
-    {
-        set(name);
-    }
-    ~TimeZone() { set(m_previous); }
-    Q_DISABLE_COPY(TimeZone)
-
-private:
-    static void set(const QByteArray &name)
-    {
-        qputenv("TZ", name);
-#ifdef Q_OS_WIN
-        _tzset();
-#else
-        tzset();
-#endif
-    }
-
-    const QByteArray m_previous;
-};
 
 /// A viewer that contents of FourContents fit.
 struct Viewer

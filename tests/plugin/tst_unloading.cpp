@@ -13,6 +13,7 @@
 
 #include <functional>
 
+using namespace KrTest;
 using namespace PluginTest;
 
 namespace {

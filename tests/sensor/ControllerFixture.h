@@ -2,6 +2,9 @@
 
 #include "sensor/KrHvcController.h"
 #include "sensor/ProcessList.h"
+#include "tests/support/Files.h"
+#include "tests/support/SensorProgram.h"
+#include "tests/support/Waiting.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -11,7 +14,6 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QVector>
 
 #include <algorithm>
@@ -20,9 +22,6 @@
 #include <csignal>
 #endif
 
-/// For everything that must happen sooner or later, on a busy machine too.
-constexpr int Patience = 20000;
-
 const QString ErrorStart = QStringLiteral("error: Error occured in the process controller. ");
 
 /// A directory for a sensor program. Copies of one native program stand in for it; each is told
@@ -30,7 +29,7 @@ const QString ErrorStart = QStringLiteral("error: Error occured in the process c
 class SensorDirectory
 {
 public:
-    using ProcessId = PluginKrHvcP2::ProcessList::ProcessId;
+    using ProcessId = KrTest::ProcessId;
 
     explicit SensorDirectory(const QString &subdirectory = QString())
         : m_path(subdirectory.isEmpty() ? m_directory.path() : m_directory.filePath(subdirectory))
@@ -44,36 +43,20 @@ public:
 
     bool write(const QString &fileName, const QByteArray &content = {}) const
     {
-        QFile file(filePath(fileName));
-        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+        return KrTest::writeFile(filePath(fileName), content);
     }
 
-    QByteArray read(const QString &fileName) const
-    {
-        QFile file(filePath(fileName));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray read(const QString &fileName) const { return KrTest::readFile(filePath(fileName)); }
 
-    /// Puts a stand-in there, or lets the next start of the one that is there do something else.
-    /// @p commands are those of standin/Standin.cpp.
+    /// Puts a stand-in there, as installStandIn() does.
     bool install(
         const QByteArray &commands, const QString &name = QStringLiteral("HvcCon.exe")) const
     {
-        return (exists(name) || QFile::copy(QStringLiteral(KRHVC_STANDIN_FILE), filePath(name)))
-            && write(name + QLatin1String(".do"), commands);
+        return KrTest::installStandIn(m_path, commands, name);
     }
 
     /// The processes that were ever started here, oldest first.
-    QVector<ProcessId> startedCopies() const
-    {
-        QVector<ProcessId> ids;
-        const auto lines = read(QStringLiteral("pids")).split('\n');
-        for (const QByteArray &line : lines) {
-            if (!line.isEmpty())
-                ids << line.toUInt();
-        }
-        return ids;
-    }
+    QVector<ProcessId> startedCopies() const { return KrTest::startedStandIns(m_path); }
 
     QVector<ProcessId> livingCopies() const
     {
@@ -172,26 +155,6 @@ inline QStringList without(QStringList log, const QString &start)
     const auto isOne = [&start](const QString &entry) { return entry.startsWith(start); };
     log.erase(std::remove_if(log.begin(), log.end(), isOne), log.end());
     return log;
-}
-
-/// Waits without running the event loop.
-template <typename Condition>
-bool blockUntil(Condition condition)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > Patience)
-            return false;
-        QThread::msleep(5);
-    }
-    return true;
-}
-
-/// True when no sensor program runs on this machine, whoever may have started it.
-inline bool noSensorProgramRuns()
-{
-    return PluginKrHvcP2::ProcessList::find(PluginKrHvcP2::KrHvcController::ProgramName).empty();
 }
 
 // What the stand-ins do. All of them say something first, so that a test knows that they are up.

@@ -9,6 +9,7 @@
 #include <memory>
 #include <utility>
 
+using namespace KrTest;
 using PluginKrHvcP2::KrHvcController;
 
 class tst_KrHvcController : public QObject
@@ -73,7 +74,7 @@ private slots:
 void tst_KrHvcController::init()
 {
     // Any program of this name would be taken for a copy left over.
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 }
 
 void tst_KrHvcController::metaMethods()
@@ -249,7 +250,7 @@ void tst_KrHvcController::nativeProgram()
     watched->stop();
     log << QStringLiteral("stopped");
     QCOMPARE(watched.log, log);
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 }
 
 void tst_KrHvcController::directories_data()
@@ -446,9 +447,7 @@ void tst_KrHvcController::failedStart()
     } else if (kind == QLatin1String("empty")) {
         QVERIFY(directory.write(name) && QFile::setPermissions(program, executable));
     } else if (kind == QLatin1String("cut")) {
-        QFile whole(QStringLiteral(KRHVC_STANDIN_FILE));
-        QVERIFY(whole.open(QIODevice::ReadOnly));
-        QVERIFY(directory.write(name, whole.read(10)));
+        QVERIFY(directory.write(name, readFile(QStringLiteral(KRHVC_STANDIN_FILE)).left(10)));
         QVERIFY(QFile::setPermissions(program, executable));
     } else if (kind == QLatin1String("no interpreter")) {
         QVERIFY(
@@ -605,7 +604,7 @@ void tst_KrHvcController::stopKey()
     watched->stop();
     // Without the event loop, in which the program is ended.
     const QString key = QStringLiteral("key");
-    QVERIFY(blockUntil([&] { return !directory.read(key).isEmpty(); }));
+    QVERIFY(waitWithoutEvents([&] { return !directory.read(key).isEmpty(); }));
     QTRY_VERIFY_WITH_TIMEOUT(directory.livingCopies().isEmpty(), Patience);
     QCOMPARE(directory.read(key), QByteArray(" "));
 }
@@ -733,7 +732,7 @@ void tst_KrHvcController::outputUnreadAtStop()
     QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2, Patience);
     watched.log.clear();
     QVERIFY(directory.write(QStringLiteral("go")));
-    QVERIFY(blockUntil([&] { return directory.exists(QStringLiteral("done")); }));
+    QVERIFY(waitWithoutEvents([&] { return directory.exists(QStringLiteral("done")); }));
 
     watched->stop();
     // Whether the wait for the key delivers it is the system's affair; afterwards nothing comes.

@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using namespace KrTest;
 using PluginKrHvcP2::KrHvcController;
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+using namespace KrTest;
 using PluginKrHvcP2::KrHvcController;
 
 namespace {

@@ -6,9 +6,10 @@
 #include <memory>
 
 #ifdef Q_OS_UNIX
-#include <sys/resource.h>
+#include "tests/support/NoMoreFiles_unix.h"
 #endif
 
+using namespace KrTest;
 using PluginKrHvcP2::KrHvcController;
 
 namespace {
@@ -17,26 +18,6 @@ namespace {
 constexpr int Restart = 5000 - 250;
 constexpr int StaleRestart = 5100 - 250;
 constexpr int Late = 3000;
-
-#ifdef Q_OS_UNIX
-/// While there is one, no file can be opened and no pipe made.
-class NoMoreFiles
-{
-public:
-    NoMoreFiles()
-    {
-        ::getrlimit(RLIMIT_NOFILE, &m_limit);
-        rlimit none = m_limit;
-        none.rlim_cur = 0;
-        ::setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &m_limit); }
-    Q_DISABLE_COPY(NoMoreFiles)
-
-private:
-    rlimit m_limit = {};
-};
-#endif
 
 } // namespace
 
@@ -63,7 +44,7 @@ private slots:
 
 void tst_KrHvcControllerTiming::init()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 }
 
 void tst_KrHvcControllerTiming::restarts()
@@ -240,7 +221,7 @@ void tst_KrHvcControllerTiming::stopStartStart()
     // The second start finds the old program, the third does not: there is no copy left to end.
     watched->stop();
     watched->start();
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     watched->start();
     const QStringList log = running + QStringList(QStringLiteral("stopped")) + running;
     QTRY_COMPARE_WITH_TIMEOUT(watched.log, log, Patience);
@@ -299,14 +280,14 @@ void tst_KrHvcControllerTiming::nothingStartsAfterStop()
     running->start();
     QTRY_COMPARE_WITH_TIMEOUT(running.log.size(), 2, Patience);
     running->stop();
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
 
     // Stopped between its end and the next try.
     QVERIFY(directory.install("exit 0"));
     const WatchedController ended(directory.path());
     ended->start();
     QTRY_COMPARE_WITH_TIMEOUT(ended.log.size(), 1, Patience);
-    QTRY_VERIFY_WITH_TIMEOUT(noSensorProgramRuns(), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
     QTRY_COMPARE_WITH_TIMEOUT(
         ended->findChild<QProcess *>()->state(), QProcess::NotRunning, Patience);
     ended->stop();

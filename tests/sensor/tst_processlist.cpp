@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+using namespace KrTest;
 using namespace PluginKrHvcP2;
 
 class tst_ProcessList : public QObject

@@ -8,29 +8,22 @@
 #endif
 #include <windows.h>
 #else
-#include <sys/resource.h>
+#include "tests/support/NoMoreFiles_unix.h"
 #endif
 
 using namespace PluginKrHvcP2;
 
+#ifdef Q_OS_WIN
 /// While there is one, the system's list of processes cannot be read.
 class UnreadableProcessList
 {
 public:
-    UnreadableProcessList();
-    ~UnreadableProcessList();
+    UnreadableProcessList() { exists = true; }
+    ~UnreadableProcessList() { exists = false; }
     Q_DISABLE_COPY(UnreadableProcessList)
 
-#ifdef Q_OS_WIN
-    static bool exists;
-#else
-private:
-    rlimit m_limit = {};
-#endif
+    inline static bool exists = false;
 };
-
-#ifdef Q_OS_WIN
-bool UnreadableProcessList::exists = false;
 
 /// Stands between the code under test, which is built to call it, and the system.
 extern "C" HANDLE WINAPI snapshotThatMayFail(DWORD flags, DWORD id)
@@ -44,29 +37,8 @@ extern "C" HANDLE WINAPI snapshotThatMayFail(DWORD flags, DWORD id)
         = GetProcAddress(GetModuleHandleW(L"kernel32"), "CreateToolhelp32Snapshot");
     return reinterpret_cast<Snapshot>(reinterpret_cast<void *>(function))(flags, id);
 }
-
-UnreadableProcessList::UnreadableProcessList()
-{
-    exists = true;
-}
-
-UnreadableProcessList::~UnreadableProcessList()
-{
-    exists = false;
-}
 #else
-UnreadableProcessList::UnreadableProcessList()
-{
-    ::getrlimit(RLIMIT_NOFILE, &m_limit);
-    rlimit none = m_limit;
-    none.rlim_cur = 0; // no file can be opened
-    ::setrlimit(RLIMIT_NOFILE, &none);
-}
-
-UnreadableProcessList::~UnreadableProcessList()
-{
-    ::setrlimit(RLIMIT_NOFILE, &m_limit);
-}
+using UnreadableProcessList = KrTest::NoMoreFiles; // the list is made of files
 #endif
 
 class tst_ProcessListFailure : public QObject

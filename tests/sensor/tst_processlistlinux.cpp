@@ -1,4 +1,5 @@
 #include "ProcessListFixture.h"
+#include "tests/support/Files.h"
 
 #include <QtTest>
 
@@ -11,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using namespace KrTest;
 using namespace PluginKrHvcP2;
 
 /// What only Linux has: scripts under their own name, threads with names, zombies, suspended
@@ -36,13 +38,11 @@ private slots:
 /// A script that says a word and reads a line; empty when it cannot be made.
 static QString script(const NamedPrograms &programs, const QString &fileName)
 {
-    QFile file(programs.path(fileName));
-    if (!file.open(QIODevice::WriteOnly))
+    const QString file = programs.path(fileName);
+    if (!writeFile(file, "#!/bin/sh\necho script\nread line\n"))
         return {};
-    file.write("#!/bin/sh\necho script\nread line\n");
-    file.close();
-    file.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-    return file.fileName();
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::ExeOwner);
+    return file;
 }
 
 void tst_ProcessListLinux::scripts_data()
@@ -118,10 +118,8 @@ void tst_ProcessListLinux::threadsDoNotCount()
 {
     NamedPrograms programs;
     const QString program = programs.copyOfProgram(QStringLiteral("innocent"));
-    QFile commands(program + QLatin1String(".do"));
-    QVERIFY(commands.open(QIODevice::WriteOnly));
-    commands.write("thread " + QByteArray::fromStdString(programs.name));
-    commands.close();
+    QVERIFY(writeFile(
+        program + QLatin1String(".do"), "thread " + QByteArray::fromStdString(programs.name)));
     const QProcess *process = programs.run(program);
     QVERIFY(process != nullptr);
 
@@ -130,9 +128,7 @@ void tst_ProcessListLinux::threadsDoNotCount()
     QByteArrayList names;
     const auto entries = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString &entry : entries) {
-        QFile file(tasks + QLatin1Char('/') + entry + QLatin1String("/comm"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        names << file.readAll().trimmed();
+        names << readFile(tasks + QLatin1Char('/') + entry + QLatin1String("/comm")).trimmed();
     }
     QVERIFY(names.contains(QByteArray::fromStdString(programs.name)));
     QCOMPARE(programs.found(), Ids());
@@ -190,8 +186,7 @@ public:
     /// The state letter of the process.
     QByteArray state() const
     {
-        QFile file(QStringLiteral("/proc/%1/stat").arg(m_id));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(2) : QByteArray();
+        return readFile(QStringLiteral("/proc/%1/stat").arg(m_id)).split(' ').value(2);
     }
 
 private:

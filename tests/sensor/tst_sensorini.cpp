@@ -1,4 +1,5 @@
 #include "sensor/SensorIni.h"
+#include "tests/support/Files.h"
 
 #include <QFile>
 #include <QLoggingCategory>
@@ -43,11 +44,7 @@ private slots:
     void fifoInPlaceOfFile();
 
 private:
-    bool write(const QByteArray &content) const
-    {
-        QFile file(m_fileName);
-        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-    }
+    bool write(const QByteArray &content) const { return KrTest::writeFile(m_fileName, content); }
 
     QString m_fileName;
     QScopedPointer<QTemporaryDir> m_directory;

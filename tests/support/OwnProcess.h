@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+
+namespace KrTest {
 
 /// Number of files and other objects of the system that this process holds open.
 int openHandles();
@@ -10,3 +13,8 @@ double processorSeconds();
 
 /// True while the library lies in this process's memory. @p fileName is absolute.
 bool isMapped(const QString &fileName);
+
+/// Sets the variable TZ of this process, and the time zone with it.
+void setTimeZone(const QByteArray &name);
+
+} // namespace KrTest

@@ -6,6 +6,8 @@
 
 #include <ctime>
 
+namespace KrTest {
+
 int openHandles()
 {
     return QDir(QStringLiteral("/proc/self/fd"))
@@ -25,3 +27,11 @@ bool isMapped(const QString &fileName)
         qFatal("the process's memory map cannot be read");
     return maps.readAll().contains(QFile::encodeName(QFileInfo(fileName).canonicalFilePath()));
 }
+
+void setTimeZone(const QByteArray &name)
+{
+    qputenv("TZ", name);
+    tzset();
+}
+
+} // namespace KrTest

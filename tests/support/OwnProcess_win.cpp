@@ -3,12 +3,15 @@
 #include <QDir>
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
 #include <windows.h>
+
+namespace KrTest {
 
 int openHandles()
 {
@@ -45,3 +48,11 @@ bool isMapped(const QString &fileName)
     const std::wstring name = QDir::toNativeSeparators(fileName).toStdWString();
     return GetModuleHandleW(name.c_str()) != nullptr;
 }
+
+void setTimeZone(const QByteArray &name)
+{
+    qputenv("TZ", name);
+    _tzset();
+}
+
+} // namespace KrTest
