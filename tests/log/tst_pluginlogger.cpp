@@ -983,8 +983,13 @@ void tst_PluginLogger::staticDestructor_data()
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("before Qt's own")
         << QStringLiteral("--write-late") << QStringList{QStringLiteral("late")};
-    QTest::newRow("after Qt's own")
-        << QStringLiteral("--write-last") << QStringList{QStringLiteral("early")};
+#ifdef Q_OS_WIN
+    // Those of a program come before those of its libraries there.
+    const QStringList last{QStringLiteral("early"), QStringLiteral("late")};
+#else
+    const QStringList last{QStringLiteral("early")};
+#endif
+    QTest::newRow("after Qt's own") << QStringLiteral("--write-last") << last;
 }
 
 void tst_PluginLogger::staticDestructor()

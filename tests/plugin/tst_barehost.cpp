@@ -1,6 +1,7 @@
 #include "tests/support/Files.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -23,10 +24,12 @@ private:
 /// What the host prints; its exit code when it fails.
 QByteArray tst_BareHost::run(const QString &directory, const QString &arguments)
 {
+    // Under Wine a path without a drive would lead elsewhere from another directory.
+    const QString plugin = QFileInfo(QStringLiteral(KRHVC_PLUGIN_FILE)).absoluteFilePath();
     QProcess host;
     host.setWorkingDirectory(directory);
     host.start(QStringLiteral(KRHVC_BARE_HOST_FILE),
-        QStringList{QStringLiteral(KRHVC_PLUGIN_FILE)} + arguments.split(QLatin1Char(' ')));
+        QStringList{plugin} + arguments.split(QLatin1Char(' ')));
     if (!host.waitForFinished(60000))
         return QByteArrayLiteral("no end");
     if (host.exitStatus() != QProcess::NormalExit)

@@ -21,8 +21,9 @@
 //   ask           asks for what a list of plug-ins shows, and prints the name
 //   panel         takes the panel and gives it a size
 //   init          initializes the plug-in
-//   dialogs       takes everything that an editor of screens offers, and opens and closes its
-//   dialogs text          hands over a line of sensor output delete        deletes the plug-in
+//   dialogs       takes what an editor of screens is offered, and lets each dialog open and close
+//   text          hands over a line of sensor output
+//   delete        deletes the plug-in
 //
 // Its exit code is 0 when all of that could be done.
 
