@@ -1,11 +1,8 @@
 #include "demo/simulator/ScenarioReader.h"
 
+#include "demo/support/JsonReader.h"
+
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QJsonParseError>
-#include <QJsonValue>
 #include <QStringList>
 
 #include <cmath>
@@ -20,185 +17,51 @@ static void initSimulationResource()
 
 namespace Simulation {
 
+using Demo::JsonProblem;
+using Demo::JsonReader;
+
 namespace {
 
-constexpr qint64 MaxMs = 86400 * qint64(1000); // a day
+constexpr int MaxSeconds = 86400; // a day
 constexpr int MaxPauseMs = 60 * 1000;
 constexpr int MaxEntries = 10000; // of a list
+constexpr int MaxInt = std::numeric_limits<int>::max();
 
-/// Keeps the first thing that is wrong; everything read after it is of no use.
-class Problem
+/// A time of the scenario: seconds in the file, milliseconds here.
+qint64 milliseconds(JsonReader &reader, const QString &key)
 {
-public:
-    bool isSet() const { return !m_text.isEmpty(); }
-    QString text() const { return m_text; }
+    return std::llround(reader.number(key, 0, MaxSeconds) * 1000);
+}
 
-    void set(const QString &path, const QString &reason)
-    {
-        if (!isSet())
-            m_text = path.isEmpty() ? reason : path + QLatin1String(": ") + reason;
-    }
-
-private:
-    QString m_text;
-};
-
-/// Takes the values of one JSON object key by key; what nobody took is an unknown key.
-class ObjectReader
+std::optional<qint64> optionalMilliseconds(JsonReader &reader, const QString &key)
 {
-public:
-    ObjectReader(const QJsonValue &value, const QString &path, Problem &problem)
-        : m_object(value.toObject())
-        , m_path(path)
-        , m_problem(problem)
-    {
-        if (!value.isObject())
-            m_problem.set(m_path, QStringLiteral("must be an object"));
-    }
+    return reader.contains(key) ? std::make_optional(milliseconds(reader, key)) : std::nullopt;
+}
 
-    bool contains(const QString &key) const { return m_object.contains(key); }
+/// Reads each element of the list @p key with @p read, which takes all keys that are known.
+template <typename T>
+QVector<T> readObjects(
+    JsonReader &parent, const QString &key, const std::function<T(JsonReader &)> &read)
+{
+    QVector<T> values;
+    parent.objects(key, MaxEntries, [&](JsonReader &reader) {
+        values.append(read(reader));
+        reader.finish();
+    });
+    return values;
+}
 
-    QString pathOf(const QString &key) const
-    {
-        return m_path.isEmpty() ? key : m_path + QLatin1Char('.') + key;
-    }
+QVector<QByteArray> readLines(JsonReader &reader)
+{
+    QVector<QByteArray> lines;
+    const QStringList texts = reader.texts(QStringLiteral("lines"), MaxEntries);
+    for (const QString &text : texts)
+        lines.append(text.toUtf8());
+    return lines;
+}
 
-    void fail(const QString &key, const QString &reason) { m_problem.set(pathOf(key), reason); }
-
-    QJsonValue take(const QString &key) { return m_object.take(key); }
-
-    /// As take(), but the key has to be there.
-    QJsonValue require(const QString &key)
-    {
-        if (!contains(key))
-            fail(key, QStringLiteral("is missing"));
-        return take(key);
-    }
-
-    int integer(const QString &key, int fallback, int min, int max)
-    {
-        return contains(key) ? int(wholeNumber(take(key), pathOf(key), min, max)) : fallback;
-    }
-
-    qint64 wholeNumber(const QJsonValue &value, const QString &path, qint64 min, qint64 max)
-    {
-        const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
-        if (!(number >= double(min) && number <= double(max)) || std::floor(number) != number) {
-            m_problem.set(
-                path, QStringLiteral("must be a whole number from %1 to %2").arg(min).arg(max));
-            return min;
-        }
-        return qint64(number);
-    }
-
-    double share(const QString &key, double fallback)
-    {
-        return contains(key) ? number(key, take(key), 1) : fallback;
-    }
-
-    /// A time of the scenario: seconds in the file, milliseconds here.
-    qint64 milliseconds(const QString &key, const QJsonValue &value)
-    {
-        return std::llround(number(key, value, double(MaxMs) / 1000) * 1000);
-    }
-
-    std::optional<qint64> optionalMilliseconds(const QString &key)
-    {
-        if (!contains(key))
-            return std::nullopt;
-        return milliseconds(key, take(key));
-    }
-
-    bool boolean(const QString &key, bool fallback)
-    {
-        const QJsonValue value = take(key);
-        if (!value.isUndefined() && !value.isBool())
-            fail(key, QStringLiteral("must be true or false"));
-        return value.toBool(fallback);
-    }
-
-    QString text(const QString &key)
-    {
-        const QJsonValue value = take(key);
-        if (!value.isUndefined() && !value.isString())
-            fail(key, QStringLiteral("must be a text"));
-        return value.toString();
-    }
-
-    QJsonArray list(const QString &key)
-    {
-        const QJsonValue value = take(key);
-        if (!value.isUndefined() && !value.isArray())
-            fail(key, QStringLiteral("must be a list"));
-        QJsonArray list = value.toArray();
-        if (list.size() <= MaxEntries)
-            return list;
-        fail(key, QStringLiteral("must not hold more than %1 entries").arg(MaxEntries));
-        return {};
-    }
-
-    QVector<QByteArray> lines(const QString &key)
-    {
-        QVector<QByteArray> lines;
-        const QJsonArray texts = list(key);
-        for (int i = 0; i < texts.size(); ++i) {
-            if (!texts.at(i).isString())
-                m_problem.set(elementPath(key, i), QStringLiteral("must be a text"));
-            lines.append(texts.at(i).toString().toUtf8());
-        }
-        return lines;
-    }
-
-    QString elementPath(const QString &key, int i) const
-    {
-        return QStringLiteral("%1[%2]").arg(pathOf(key)).arg(i);
-    }
-
-    /// Reads each element of the list \a key with \a read.
-    template <typename T>
-    QVector<T> objects(const QString &key, const std::function<T(ObjectReader &)> &read)
-    {
-        QVector<T> values;
-        const QJsonArray array = list(key);
-        for (int i = 0; i < array.size() && !m_problem.isSet(); ++i) {
-            ObjectReader element(array.at(i), elementPath(key, i), m_problem);
-            values.append(read(element));
-            element.finish();
-        }
-        return values;
-    }
-
-    /// The object \a key, or an empty one when it is not there.
-    ObjectReader object(const QString &key)
-    {
-        return {contains(key) ? take(key) : QJsonValue(QJsonObject()), pathOf(key), m_problem};
-    }
-
-    /// Call it when every known key has been taken.
-    void finish()
-    {
-        if (!m_object.isEmpty())
-            fail(m_object.begin().key(), QStringLiteral("unknown key"));
-    }
-
-private:
-    double number(const QString &key, const QJsonValue &value, double max)
-    {
-        const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
-        if (!(number >= 0 && number <= max)) {
-            fail(key, QStringLiteral("must be a number from 0 to %1").arg(max));
-            return 0;
-        }
-        return number;
-    }
-
-    QJsonObject m_object; // what has not been taken yet
-    QString m_path;
-    Problem &m_problem;
-};
-
-/// Takes the position's keys from the object that also holds others; an absent one is \a before.
-Position readPosition(ObjectReader &reader, const Position &before)
+/// Takes the position's keys from the object that also holds others; an absent one is @p before.
+Position readPosition(JsonReader &reader, const Position &before)
 {
     Position position;
     position.x = reader.integer(QStringLiteral("x"), before.x, 0, Sensor::MaxX);
@@ -207,7 +70,7 @@ Position readPosition(ObjectReader &reader, const Position &before)
     return position;
 }
 
-Direction readDirection(ObjectReader &reader, const Direction &before)
+Direction readDirection(JsonReader &reader, const Direction &before)
 {
     const auto angle = [&reader](const QString &key, int fallback) {
         return reader.integer(key, fallback, -Sensor::MaxAngle, Sensor::MaxAngle);
@@ -219,9 +82,9 @@ Direction readDirection(ObjectReader &reader, const Direction &before)
     return direction;
 }
 
-Confidence readConfidence(ObjectReader &parent, const Confidence &before)
+Confidence readConfidence(JsonReader &parent, const Confidence &before)
 {
-    ObjectReader reader = parent.object(QStringLiteral("confidence"));
+    JsonReader reader = parent.object(QStringLiteral("confidence"));
     const auto value = [&reader](const QString &key, int fallback) {
         return reader.integer(key, fallback, 0, Sensor::MaxConfidence);
     };
@@ -234,9 +97,9 @@ Confidence readConfidence(ObjectReader &parent, const Confidence &before)
     return confidence;
 }
 
-Noise readNoise(ObjectReader &parent, const Noise &before)
+Noise readNoise(JsonReader &parent, const Noise &before)
 {
-    ObjectReader reader = parent.object(QStringLiteral("noise"));
+    JsonReader reader = parent.object(QStringLiteral("noise"));
     Noise noise;
     noise.position = reader.integer(QStringLiteral("position"), before.position, 0, Sensor::MaxX);
     noise.size = reader.integer(QStringLiteral("size"), before.size, 0, Sensor::MaxSize);
@@ -245,13 +108,13 @@ Noise readNoise(ObjectReader &parent, const Noise &before)
     noise.age = reader.integer(QStringLiteral("age"), before.age, 0, Sensor::MaxAge);
     noise.confidence
         = reader.integer(QStringLiteral("confidence"), before.confidence, 0, Sensor::MaxConfidence);
-    noise.genderError = reader.share(QStringLiteral("genderError"), before.genderError);
-    noise.miss = reader.share(QStringLiteral("miss"), before.miss);
+    noise.genderError = reader.number(QStringLiteral("genderError"), before.genderError, 1);
+    noise.miss = reader.number(QStringLiteral("miss"), before.miss, 1);
     reader.finish();
     return noise;
 }
 
-Gender readGender(ObjectReader &reader)
+Gender readGender(JsonReader &reader)
 {
     const QString key = QStringLiteral("gender");
     if (!reader.contains(key))
@@ -265,12 +128,13 @@ Gender readGender(ObjectReader &reader)
     return Gender::Unknown;
 }
 
-QVector<Waypoint> readPath(ObjectReader &viewer, const Position &start)
+QVector<Waypoint> readPath(JsonReader &viewer, const Position &start)
 {
     Waypoint last{-1, start};
-    return viewer.objects<Waypoint>(QStringLiteral("path"), [&last](ObjectReader &reader) {
+    return readObjects<Waypoint>(viewer, QStringLiteral("path"), [&last](JsonReader &reader) {
         const QString at = QStringLiteral("at");
-        const qint64 atMs = reader.milliseconds(at, reader.require(at));
+        reader.require(at);
+        const qint64 atMs = milliseconds(reader, at);
         if (atMs <= last.atMs)
             reader.fail(at, QStringLiteral("must be later than that of the waypoint before"));
         last = {atMs, readPosition(reader, last.position)};
@@ -278,14 +142,16 @@ QVector<Waypoint> readPath(ObjectReader &viewer, const Position &start)
     });
 }
 
-QVector<LookAway> readLookAway(ObjectReader &viewer, const Direction &direction)
+QVector<LookAway> readLookAway(JsonReader &viewer, const Direction &direction)
 {
-    return viewer.objects<LookAway>(QStringLiteral("lookAway"), [&direction](ObjectReader &reader) {
+    return readObjects<LookAway>(viewer, QStringLiteral("lookAway"), [&](JsonReader &reader) {
         const QString from = QStringLiteral("from");
         const QString to = QStringLiteral("to");
         LookAway entry;
-        entry.fromMs = reader.milliseconds(from, reader.require(from));
-        entry.toMs = reader.milliseconds(to, reader.require(to));
+        reader.require(from);
+        entry.fromMs = milliseconds(reader, from);
+        reader.require(to);
+        entry.toMs = milliseconds(reader, to);
         if (entry.toMs <= entry.fromMs)
             reader.fail(to, QStringLiteral("must be later than \"from\""));
         entry.direction = readDirection(reader, direction);
@@ -294,14 +160,14 @@ QVector<LookAway> readLookAway(ObjectReader &viewer, const Direction &direction)
     });
 }
 
-/// \a pattern carries the confidence and noise of the scenario.
-Viewer readViewer(ObjectReader &reader, const Viewer &pattern)
+/// @p pattern carries the confidence and noise of the scenario.
+Viewer readViewer(JsonReader &reader, const Viewer &pattern)
 {
     Viewer viewer = pattern;
     reader.text(QStringLiteral("name")); // tells the reader of the file who is meant
-    viewer.arriveMs = reader.optionalMilliseconds(QStringLiteral("arrive")).value_or(0);
+    viewer.arriveMs = milliseconds(reader, QStringLiteral("arrive"));
     const QString leave = QStringLiteral("leave");
-    viewer.leaveMs = reader.optionalMilliseconds(leave);
+    viewer.leaveMs = optionalMilliseconds(reader, leave);
     if (viewer.leaveMs && *viewer.leaveMs <= viewer.arriveMs)
         reader.fail(leave, QStringLiteral("must be later than \"arrive\""));
     viewer.gender = readGender(reader);
@@ -311,8 +177,8 @@ Viewer readViewer(ObjectReader &reader, const Viewer &pattern)
     viewer.path = readPath(reader, viewer.position);
     viewer.direction = readDirection(reader, viewer.direction);
     viewer.lookAway = readLookAway(reader, viewer.direction);
-    viewer.ageMarkAfterMs = reader.optionalMilliseconds(QStringLiteral("ageMarkAfter"));
-    viewer.genderMarkAfterMs = reader.optionalMilliseconds(QStringLiteral("genderMarkAfter"));
+    viewer.ageMarkAfterMs = optionalMilliseconds(reader, QStringLiteral("ageMarkAfter"));
+    viewer.genderMarkAfterMs = optionalMilliseconds(reader, QStringLiteral("genderMarkAfter"));
     viewer.confidence = readConfidence(reader, pattern.confidence);
     viewer.noise = readNoise(reader, pattern.noise);
     return viewer;
@@ -326,24 +192,24 @@ QVector<QByteArray> defaultGarbage()
         "Face Direction\tUD:7", "\t \t", QByteArray("\xff\xfe\x00\xc3(", 5), "Failed to execute."};
 }
 
-Fault::Kind readKind(ObjectReader &reader)
+Fault::Kind readKind(JsonReader &reader)
 {
     static const QStringList names{QStringLiteral("crash"), QStringLiteral("exit"),
         QStringLiteral("silence"), QStringLiteral("garbage"), QStringLiteral("pieces"),
         QStringLiteral("flood"), QStringLiteral("errorOutput"), QStringLiteral("closeOutput")};
     const QString key = QStringLiteral("kind");
-    const int kind = names.indexOf(reader.require(key).toString());
+    reader.require(key);
+    const int kind = names.indexOf(reader.take(key).toString());
     if (kind < 0)
         reader.fail(key, QStringLiteral("must be one of %1").arg(names.join(QLatin1String(", "))));
-    return Fault::Kind(qMax(kind, 0));
+    return static_cast<Fault::Kind>(qMax(kind, 0));
 }
 
-Fault readFault(ObjectReader &reader)
+Fault readFault(JsonReader &reader)
 {
-    constexpr int MaxFrames = std::numeric_limits<int>::max();
     Fault fault;
     fault.kind = readKind(reader);
-    fault.frame = reader.integer(QStringLiteral("frame"), 0, 0, MaxFrames);
+    fault.frame = reader.integer(QStringLiteral("frame"), 0, 0, MaxInt);
     switch (fault.kind) {
     case Fault::Crash:
     case Fault::CloseOutput:
@@ -357,12 +223,12 @@ Fault readFault(ObjectReader &reader)
         Q_FALLTHROUGH();
     case Fault::Silence:
     case Fault::Flood:
-        fault.frames = reader.integer(QStringLiteral("frames"), 1, 0, MaxFrames);
+        fault.frames = reader.integer(QStringLiteral("frames"), 1, 0, MaxInt);
         break;
     case Fault::Garbage:
     case Fault::ErrorOutput:
-        fault.frames = reader.integer(QStringLiteral("frames"), 1, 0, MaxFrames);
-        fault.lines = reader.lines(QStringLiteral("lines"));
+        fault.frames = reader.integer(QStringLiteral("frames"), 1, 0, MaxInt);
+        fault.lines = readLines(reader);
         break;
     }
     if (fault.lines.isEmpty() && fault.kind == Fault::Garbage)
@@ -372,31 +238,21 @@ Fault readFault(ObjectReader &reader)
     return fault;
 }
 
-Scenario readScenario(ObjectReader &reader)
+Scenario readScenario(JsonReader &reader)
 {
-    constexpr int MaxInt = std::numeric_limits<int>::max();
     Scenario scenario;
-    reader.text(QStringLiteral("description"));
-    if (reader.contains(QStringLiteral("seed"))) {
-        const QString key = QStringLiteral("seed");
-        scenario.seed = quint32(reader.wholeNumber(
-            reader.take(key), reader.pathOf(key), 0, std::numeric_limits<quint32>::max()));
-    }
-    scenario.repeatMs = reader.optionalMilliseconds(QStringLiteral("repeat")).value_or(0);
-    const QString absentPorts = QStringLiteral("absentPorts");
-    const QJsonArray ports = reader.list(absentPorts);
-    for (int i = 0; i < ports.size(); ++i) {
-        scenario.absentPorts.append(
-            int(reader.wholeNumber(ports.at(i), reader.elementPath(absentPorts, i), 0, MaxInt)));
-    }
+    reader.text(QStringLiteral("description")); // tells the reader of the file what it is for
+    scenario.seed = reader.unsignedInteger(QStringLiteral("seed"), scenario.seed);
+    scenario.repeatMs = milliseconds(reader, QStringLiteral("repeat"));
+    scenario.absentPorts = reader.integers(QStringLiteral("absentPorts"), MaxEntries, 0, MaxInt);
     scenario.ignoreStopKey = reader.boolean(QStringLiteral("ignoreStopKey"), false);
     scenario.stopDelayMs = reader.integer(QStringLiteral("stopDelay"), 0, 0, MaxPauseMs);
     Viewer pattern;
     pattern.confidence = readConfidence(reader, pattern.confidence);
     pattern.noise = readNoise(reader, pattern.noise);
-    scenario.viewers = reader.objects<Viewer>(QStringLiteral("viewers"),
-        [&pattern](ObjectReader &viewer) { return readViewer(viewer, pattern); });
-    scenario.faults = reader.objects<Fault>(QStringLiteral("faults"), readFault);
+    scenario.viewers = readObjects<Viewer>(reader, QStringLiteral("viewers"),
+        [&pattern](JsonReader &viewer) { return readViewer(viewer, pattern); });
+    scenario.faults = readObjects<Fault>(reader, QStringLiteral("faults"), readFault);
     reader.finish();
     return scenario;
 }
@@ -405,25 +261,13 @@ Scenario readScenario(ObjectReader &reader)
 
 std::optional<Scenario> parseScenario(const QByteArray &json, const QString &name, QString *error)
 {
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        // The offset lies at or behind the culprit, depending on the error: good for a line only.
-        const int line = 1 + json.left(parseError.offset).count('\n');
-        *error = QStringLiteral("%1:%2: %3")
-                     .arg(name, QString::number(line), parseError.errorString());
-        return std::nullopt;
-    }
-    Problem problem;
-    const QJsonValue root
-        = document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
-    ObjectReader reader(root, QString(), problem);
-    const Scenario scenario = readScenario(reader);
-    if (problem.isSet()) {
-        *error = name + QLatin1String(": ") + problem.text();
-        return std::nullopt;
-    }
-    return scenario;
+    Scenario scenario;
+    const JsonProblem problem = Demo::readJson(
+        json, [&scenario](JsonReader &reader) { scenario = readScenario(reader); });
+    if (!problem.isSet())
+        return scenario;
+    *error = problem.message(name);
+    return std::nullopt;
 }
 
 QByteArray builtInScenario()

@@ -11,8 +11,8 @@ namespace Simulation {
 
 /// Reads the JSON form of a scenario, which README.md describes.
 ///
-/// \a name stands for the text in \a error, which is set when nothing is returned: one line with
-/// the place (a line number or the path of a key) and the reason.
+/// @p name stands for the text in @p error, "file:line:column: key: reason", which is set when
+/// nothing is returned.
 std::optional<Scenario> parseScenario(const QByteArray &json, const QString &name, QString *error);
 
 /// The JSON text of the scenario that is compiled in.

@@ -3,12 +3,14 @@
 #include "demo/simulator/Recording.h"
 #include "demo/simulator/ScenarioReader.h"
 #include "demo/simulator/Session.h"
+#include "demo/support/JsonReader.h"
+#include "demo/support/SimulatorVariables.h"
+#include "demo/support/UserFile.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QTextStream>
 
 #include <cstdio>
@@ -18,7 +20,6 @@ using namespace Simulation;
 
 namespace {
 
-constexpr int MaxScenarioMebibytes = 16;
 constexpr int MaxRecordingMebibytes = 128; // some days of one viewer
 
 enum ExitStatus { Ended = 0, BadCommandLine = 1, BadInput = 2, PortAbsent = 3 };
@@ -48,7 +49,7 @@ std::optional<T> toNumber(const QString &text, const QString &what, qint64 min, 
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
     if (ok && number >= min && number <= max)
-        return T(number);
+        return static_cast<T>(number);
     printError(QStringLiteral("%1 must be a whole number from %2 to %3, not \"%4\"")
                    .arg(what, QString::number(min), QString::number(max), text));
     return std::nullopt;
@@ -126,46 +127,20 @@ std::optional<Options> parseOptions(const QStringList &arguments)
     }
     // The plug-in starts the program with the three numbers alone.
     if (options.scenario.isEmpty() && options.replay.isEmpty()) {
-        options.replay = qEnvironmentVariable("KRHVC_REPLAY");
-        options.scenario = qEnvironmentVariable("KRHVC_SCENARIO");
+        options.replay = qEnvironmentVariable(Demo::ReplayVariable);
+        options.scenario = qEnvironmentVariable(Demo::ScenarioVariable);
     }
     return options;
 }
 
-/// True, and said, when \a name is a pipe, which opening may block for ever, a directory or a
-/// device.
-bool isNoFile(const QFileInfo &info)
-{
-    if (!info.exists() || info.isFile())
-        return false;
-    printError(QStringLiteral("%1: is not a file").arg(info.filePath()));
-    return true;
-}
-
-std::optional<QByteArray> readFile(const QString &name, int maxMebibytes)
-{
-    const QFileInfo info(name);
-    if (isNoFile(info))
-        return std::nullopt;
-    if (info.size() > maxMebibytes * qint64(1024 * 1024)) {
-        printError(
-            QStringLiteral("%1: is larger than %2 MiB").arg(name, QString::number(maxMebibytes)));
-        return std::nullopt;
-    }
-    QFile file(name);
-    if (file.open(QIODevice::ReadOnly))
-        return file.readAll();
-    printError(QStringLiteral("%1: cannot be read: %2").arg(name, file.errorString()));
-    return std::nullopt;
-}
-
 std::optional<Recording> loadRecording(const QString &name)
 {
-    const std::optional<QByteArray> text = readFile(name, MaxRecordingMebibytes);
-    if (!text)
-        return std::nullopt;
     QString error;
-    std::optional<Recording> recording = parseRecording(*text, name, &error);
+    const std::optional<QByteArray> text
+        = Demo::UserFile::read(name, MaxRecordingMebibytes, &error);
+    std::optional<Recording> recording;
+    if (text)
+        recording = parseRecording(*text, name, &error);
     if (!recording)
         printError(error);
     return recording;
@@ -177,13 +152,13 @@ std::optional<Scenario> loadScenario(QString name)
         = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("scenario.json"));
     if (name.isEmpty() && QFile::exists(beside))
         name = beside;
-    const std::optional<QByteArray> json
-        = name.isEmpty() ? builtInScenario() : readFile(name, MaxScenarioMebibytes);
-    if (!json)
-        return std::nullopt;
     QString error;
-    std::optional<Scenario> scenario
-        = parseScenario(*json, name.isEmpty() ? QStringLiteral("built-in") : name, &error);
+    const std::optional<QByteArray> json = name.isEmpty()
+        ? builtInScenario()
+        : Demo::UserFile::read(name, Demo::MaxJsonMebibytes, &error);
+    std::optional<Scenario> scenario;
+    if (json)
+        scenario = parseScenario(*json, name.isEmpty() ? QStringLiteral("built-in") : name, &error);
     if (!scenario)
         printError(error);
     return scenario;
@@ -234,8 +209,10 @@ int main(int argc, char *argv[])
     settings.frames = options->frames;
 
     QFile recordFile(options->record);
-    if (isNoFile(QFileInfo(options->record)))
+    if (Demo::UserFile::isNoFile(options->record)) {
+        printError(QStringLiteral("%1: is not a file").arg(options->record));
         return BadInput;
+    }
     if (!options->record.isEmpty() && !recordFile.open(QIODevice::WriteOnly)) {
         printError(QStringLiteral("%1: cannot be written: %2")
                        .arg(options->record, recordFile.errorString()));

@@ -183,68 +183,70 @@ void tst_Scenario::error_data()
         QTest::newRow(name) << QByteArray(json) << QString::fromLatin1(expected);
     };
     // The text
-    row("an empty file", "", "s:1: illegal value");
+    row("an empty file", "", "s:1:1: illegal value");
     row("a missing value in the third line", "{\n  \"seed\": 1,\n  \"repeat\": }",
-        "s:3: object is missing after a comma");
-    row("text after the end", "{}\n{}", "s:2: garbage at the end of the document");
-    row("a list at the top", "[]", "s: must be an object");
+        "s:3:14: object is missing after a comma");
+    row("text after the end", "{}\n{}", "s:2:1: garbage at the end of the document");
+    row("a list at the top", "[]", "s:1:1: must be an object");
 
     // Keys
-    row("a misspelt key", R"({ "viewer": [] })", "s: viewer: unknown key");
+    row("a misspelt key", R"({ "viewer": [] })", "s:1:3: viewer: unknown key");
     row("a misspelt key of a viewer", R"({ "viewers": [{}, { "agee": 1 }] })",
-        "s: viewers[1].agee: unknown key");
+        "s:1:21: viewers[1].agee: unknown key");
     row("a misspelt key of a waypoint", R"({ "viewers": [{ "path": [{ "at": 1, "z": 1 }] }] })",
-        "s: viewers[0].path[0].z: unknown key");
+        "s:1:37: viewers[0].path[0].z: unknown key");
     row("a misspelt key of a glance",
         R"({ "viewers": [{ "lookAway": [{ "from": 1, "to": 2, "x": 1 }] }] })",
-        "s: viewers[0].lookAway[0].x: unknown key");
-    row("a misspelt key of the noise", R"({ "noise": { "Age": 1 } })", "s: noise.Age: unknown key");
+        "s:1:52: viewers[0].lookAway[0].x: unknown key");
+    row("a misspelt key of the noise", R"({ "noise": { "Age": 1 } })",
+        "s:1:14: noise.Age: unknown key");
     row("a misspelt confidence of a viewer", R"({ "viewers": [{ "confidence": { "lr": 1 } }] })",
-        "s: viewers[0].confidence.lr: unknown key");
+        "s:1:33: viewers[0].confidence.lr: unknown key");
     row("a key of another kind of fault", R"({ "faults": [{ "kind": "crash", "status": 1 }] })",
-        "s: faults[0].status: unknown key");
-    row("a fault without a kind", R"({ "faults": [{}] })", "s: faults[0].kind: is missing");
+        "s:1:33: faults[0].status: unknown key");
+    row("a fault without a kind", R"({ "faults": [{}] })", "s:1:14: faults[0].kind: is missing");
     row("a waypoint without a time", R"({ "viewers": [{ "path": [{}] }] })",
-        "s: viewers[0].path[0].at: is missing");
+        "s:1:26: viewers[0].path[0].at: is missing");
     row("a glance without its end", R"({ "viewers": [{ "lookAway": [{ "from": 1 }] }] })",
-        "s: viewers[0].lookAway[0].to: is missing");
+        "s:1:30: viewers[0].lookAway[0].to: is missing");
 
     // Types
-    row("a text for a list", R"({ "viewers": "x" })", "s: viewers: must be a list");
-    row("a number for a viewer", R"({ "viewers": [3] })", "s: viewers[0]: must be an object");
-    row("a list for the noise", R"({ "noise": [] })", "s: noise: must be an object");
-    row("a number for a text", R"({ "description": 3 })", "s: description: must be a text");
+    row("a text for a list", R"({ "viewers": "x" })", "s:1:3: viewers: must be a list");
+    row("a number for a viewer", R"({ "viewers": [3] })", "s:1:15: viewers[0]: must be an object");
+    row("a list for the noise", R"({ "noise": [] })", "s:1:3: noise: must be an object");
+    row("a number for a text", R"({ "description": 3 })", "s:1:3: description: must be a text");
     row("a number for a truth value", R"({ "ignoreStopKey": 1 })",
-        "s: ignoreStopKey: must be true or false");
+        "s:1:3: ignoreStopKey: must be true or false");
     row("a number among the lines", R"({ "faults": [{ "kind": "garbage", "lines": ["", 1] }] })",
-        "s: faults[0].lines[1]: must be a text");
+        "s:1:49: faults[0].lines[1]: must be a text");
     row("a text for a number", R"({ "viewers": [{ "age": "30" }] })",
-        "s: viewers[0].age: must be a whole number from 0 to 120");
+        "s:1:17: viewers[0].age: must be a whole number from 0 to 120");
     row("null for a number", R"({ "viewers": [{ "leave": null }] })",
-        "s: viewers[0].leave: must be a number from 0 to 86400");
+        "s:1:17: viewers[0].leave: must be a number from 0 to 86400");
 
     // Ranges
     row("an age above the range", R"({ "viewers": [{}, {}, { "age": 121 }] })",
-        "s: viewers[2].age: must be a whole number from 0 to 120");
+        "s:1:25: viewers[2].age: must be a whole number from 0 to 120");
     row("a broken age", R"({ "viewers": [{ "age": 30.5 }] })",
-        "s: viewers[0].age: must be a whole number from 0 to 120");
+        "s:1:17: viewers[0].age: must be a whole number from 0 to 120");
     row("a place outside the image", R"({ "viewers": [{ "x": 1600 }] })",
-        "s: viewers[0].x: must be a whole number from 0 to 1599");
+        "s:1:17: viewers[0].x: must be a whole number from 0 to 1599");
     row("no size", R"({ "viewers": [{ "size": 0 }] })",
-        "s: viewers[0].size: must be a whole number from 1 to 1200");
+        "s:1:17: viewers[0].size: must be a whole number from 1 to 1200");
     row("an angle below the range", R"({ "viewers": [{ "roll": -181 }] })",
-        "s: viewers[0].roll: must be a whole number from -180 to 180");
+        "s:1:17: viewers[0].roll: must be a whole number from -180 to 180");
     row("a confidence above the range", R"({ "confidence": { "face": 1001 } })",
-        "s: confidence.face: must be a whole number from 0 to 1000");
+        "s:1:19: confidence.face: must be a whole number from 0 to 1000");
     row("a share above 1", R"({ "noise": { "miss": 1.1 } })",
-        "s: noise.miss: must be a number from 0 to 1");
-    row("a negative time", R"({ "repeat": -1 })", "s: repeat: must be a number from 0 to 86400");
+        "s:1:14: noise.miss: must be a number from 0 to 1");
+    row("a negative time", R"({ "repeat": -1 })",
+        "s:1:3: repeat: must be a number from 0 to 86400");
     row("a negative seed", R"({ "seed": -1 })",
-        "s: seed: must be a whole number from 0 to 4294967295");
+        "s:1:3: seed: must be a whole number from 0 to 4294967295");
     row("a port that is no int", R"({ "absentPorts": [3, 1e12] })",
-        "s: absentPorts[1]: must be a whole number from 0 to 2147483647");
+        "s:1:22: absentPorts[1]: must be a whole number from 0 to 2147483647");
     row("one piece is no piece", R"({ "faults": [{ "kind": "pieces", "pieces": 1 }] })",
-        "s: faults[0].pieces: must be a whole number from 2 to 10000");
+        "s:1:34: faults[0].pieces: must be a whole number from 2 to 10000");
 
     // Sizes
     const auto manyRow = [](const char *name, const QString &json, const char *expected) {
@@ -252,28 +254,28 @@ void tst_Scenario::error_data()
         QTest::newRow(name) << json.arg(entries).toUtf8() << QString::fromLatin1(expected);
     };
     manyRow("more viewers than a list may hold", QStringLiteral(R"({ "viewers": [%1{}] })"),
-        "s: viewers: must not hold more than 10000 entries");
+        "s:1:3: viewers: must not hold more than 10000 entries");
     manyRow("more waypoints than a list may hold",
         QStringLiteral(R"({ "viewers": [{ "path": [%1{}] }] })"),
-        "s: viewers[0].path: must not hold more than 10000 entries");
+        "s:1:17: viewers[0].path: must not hold more than 10000 entries");
     manyRow("more ports than a list may hold", QStringLiteral(R"({ "absentPorts": [%1 1] })"),
-        "s: absentPorts: must not hold more than 10000 entries");
+        "s:1:3: absentPorts: must not hold more than 10000 entries");
 
     // Words and order
     row("an unknown gender", R"({ "viewers": [{ "gender": "Female" }] })",
-        R"(s: viewers[0].gender: must be "male" or "female")");
+        R"(s:1:17: viewers[0].gender: must be "male" or "female")");
     row("an unknown kind of fault", R"({ "faults": [{ "kind": "fire" }] })",
-        "s: faults[0].kind: must be one of crash, exit, silence, garbage, pieces, flood, "
+        "s:1:16: faults[0].kind: must be one of crash, exit, silence, garbage, pieces, flood, "
         "errorOutput, closeOutput");
     row("gone before coming", R"({ "viewers": [{ "arrive": 2, "leave": 2 }] })",
-        R"(s: viewers[0].leave: must be later than "arrive")");
+        R"(s:1:30: viewers[0].leave: must be later than "arrive")");
     row("a glance that ends before it begins",
         R"({ "viewers": [{ "lookAway": [{ "from": 3, "to": 2 }] }] })",
-        R"(s: viewers[0].lookAway[0].to: must be later than "from")");
+        R"(s:1:43: viewers[0].lookAway[0].to: must be later than "from")");
     row("waypoints out of order", R"({ "viewers": [{ "path": [{ "at": 1 }, { "at": 1 }] }] })",
-        "s: viewers[0].path[1].at: must be later than that of the waypoint before");
+        "s:1:41: viewers[0].path[1].at: must be later than that of the waypoint before");
     row("of two errors the first of the reading", R"({ "seed": -1, "repeat": -1 })",
-        "s: seed: must be a whole number from 0 to 4294967295");
+        "s:1:3: seed: must be a whole number from 0 to 4294967295");
 }
 
 void tst_Scenario::error()

@@ -58,7 +58,7 @@ private slots:
     void help();
 
 private:
-    /// Starts the program; it gets \a options behind port, speed and \a interval.
+    /// Starts the program; it gets @p options behind port, speed and @p interval.
     void start(const QStringList &options, int interval = 1);
     void startScenario(const QByteArray &json, const QStringList &options = {}, int interval = 1);
     QString write(const QString &name, const QByteArray &text); ///< returns the path
@@ -386,24 +386,22 @@ void tst_Simulator::badInput_data()
 {
     QTest::addColumn<QString>("option");
     QTest::addColumn<QByteArray>("text"); // null: no such file
-    QTest::addColumn<QString>("expected"); // %1: the file, %2: why it cannot be opened
+    QTest::addColumn<QString>("expected"); // %1: the file, %2: why it cannot be written
 
     const QString scenario = QStringLiteral("--scenario");
     const QString replay = QStringLiteral("--replay");
     QTest::newRow("a scenario that is no JSON")
-        << scenario << QByteArray("{\n  oops\n}") << QStringLiteral("%1:2: unterminated object");
+        << scenario << QByteArray("{\n  oops\n}") << QStringLiteral("%1:2:4: unterminated object");
     QTest::newRow("a scenario with a wrong value")
         << scenario << QByteArray(R"({ "viewers": [{}, {}, { "age": -1 }] })")
-        << QStringLiteral("%1: viewers[2].age: must be a whole number from 0 to 120");
-    QTest::newRow("no scenario") << scenario << QByteArray()
-                                 << QStringLiteral("%1: cannot be read: %2");
+        << QStringLiteral("%1:1:25: viewers[2].age: must be a whole number from 0 to 120");
+    QTest::newRow("no scenario") << scenario << QByteArray() << QStringLiteral("%1: no such file");
     QTest::newRow("an empty recording")
         << replay << QByteArray("") << QStringLiteral("%1: the recording is empty");
     QTest::newRow("a recording that runs backwards")
         << replay << QByteArray("@5\n@1\n")
         << QStringLiteral("%1:2: the time stamp is earlier than the one before");
-    QTest::newRow("no recording") << replay << QByteArray()
-                                  << QStringLiteral("%1: cannot be read: %2");
+    QTest::newRow("no recording") << replay << QByteArray() << QStringLiteral("%1: no such file");
     QTest::newRow("a record file that cannot be written") << QStringLiteral(
         "--record") << QByteArray() << QStringLiteral("%1: cannot be written: %2");
 }
