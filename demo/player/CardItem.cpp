@@ -1,4 +1,6 @@
-#include "CardItem.h"
+#include "demo/player/CardItem.h"
+
+#include "demo/support/UserFile.h"
 
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -12,7 +14,7 @@ namespace Player {
 
 namespace {
 
-Q_LOGGING_CATEGORY(card, "krhvcp2.player")
+Q_LOGGING_CATEGORY(krhvcPlayer, "krhvcp2.player", QtWarningMsg)
 
 // Most formats are read in full before they are scaled.
 constexpr int MaxPictureBytes = 64 * 1024 * 1024;
@@ -44,14 +46,13 @@ QImage readPicture(const QString &fileName, const QSize &room, QString *error)
         *error = reason;
         return QImage();
     };
-    const QFileInfo info(fileName);
-    if (info.exists() && !info.isFile()) // a pipe would block the open for ever
+    if (Demo::UserFile::isNoFile(fileName))
         return refuse(CardItem::tr("is not a file"));
-    if (info.size() > MaxPictureBytes)
+    if (QFileInfo(fileName).size() > MaxPictureBytes)
         return refuse(CardItem::tr("is too large"));
     QImageReader reader(fileName);
     QSize size = reader.size();
-    if (size.width() * qint64(size.height()) > MaxPixels)
+    if (static_cast<qint64>(size.width()) * size.height() > MaxPixels)
         return refuse(CardItem::tr("is too large"));
     if (size.isValid()) {
         size.scale(room, Qt::KeepAspectRatio);
@@ -114,7 +115,7 @@ void CardItem::loadPicture(const QSizeF &size)
     QString error;
     const QImage image = readPicture(m_content.picture, (size * ratio).toSize(), &error);
     if (image.isNull()) {
-        qCWarning(card, "%s: %s", qUtf8Printable(m_content.picture), qUtf8Printable(error));
+        qCWarning(krhvcPlayer, "%s: %s", qUtf8Printable(m_content.picture), qUtf8Printable(error));
         m_content.picture.clear(); // said once
         return;
     }

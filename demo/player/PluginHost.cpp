@@ -1,6 +1,7 @@
-#include "PluginHost.h"
+#include "demo/player/PluginHost.h"
 
-#include "StageFile.h"
+#include "demo/player/StageFile.h"
+#include "demo/support/UserFile.h"
 #include "host/KrPluginExtScreenInterface.h"
 #include "host/KrPluginGraphicsItem.h"
 #include "host/KrPluginGuiInterface.h"
@@ -49,12 +50,11 @@ PluginHost::~PluginHost()
 
 bool PluginHost::load(const QString &fileName)
 {
-    const QFileInfo info(fileName);
-    if (info.exists() && !info.isFile()) { // a pipe would block the loader for ever
+    if (Demo::UserFile::isNoFile(fileName)) {
         m_errorString = tr("The file is not a screen plug-in.");
         return false;
     }
-    m_loader.setFileName(info.absoluteFilePath());
+    m_loader.setFileName(QFileInfo(fileName).absoluteFilePath());
     if (!m_loader.load()) {
         m_errorString = m_loader.errorString();
         return false;

@@ -1,5 +1,6 @@
-#include "StageChanges.h"
+#include "demo/player/StageChanges.h"
 
+#include "demo/player/StageKeys.h"
 #include "host/KrPluginKeys.h"
 
 #include <QCoreApplication>
@@ -9,11 +10,9 @@
 
 namespace Player {
 
-namespace {
-
 namespace Keys = Kora::Keys;
 
-const QString Params = QStringLiteral("params");
+namespace {
 
 QString tr(const char *text)
 {
@@ -57,8 +56,8 @@ QStringList differences(const QJsonObject &before, const QJsonObject &after)
 
 QStringList contentDifferences(QJsonObject before, QJsonObject after)
 {
-    const QJsonObject paramsBefore = before.take(Params).toObject();
-    const QJsonObject paramsAfter = after.take(Params).toObject();
+    const QJsonObject paramsBefore = before.take(StageKeys::Params).toObject();
+    const QJsonObject paramsAfter = after.take(StageKeys::Params).toObject();
     return differences(before, after) + differences(paramsBefore, paramsAfter);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "demo/player/StageContent.h"
+
 #include <QByteArray>
-#include <QColor>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QMap>
@@ -13,24 +15,6 @@
 
 namespace Player {
 
-/// What the stage shows for one sequence. Its texts have 500 characters at most.
-struct StageContent
-{
-    int number = 0; // counted from 1; 0: the card shown while nothing plays
-    QString name; // the entry's own name, else the one in its "params"
-    QString title; // the name when the card has no title
-    QString subtitle;
-    QColor color; // always valid
-    QString picture; // absolute path, empty when there is none
-
-    friend bool operator==(const StageContent &a, const StageContent &b)
-    {
-        return a.number == b.number && a.name == b.name && a.title == b.title
-            && a.subtitle == b.subtitle && a.color == b.color && a.picture == b.picture;
-    }
-    friend bool operator!=(const StageContent &a, const StageContent &b) { return !(a == b); }
-};
-
 /// A stage: its screens with settings, contents and events, as the JSON file has them.
 ///
 /// Holds the file's whole object, so that what the player does not know is written back as it was.
@@ -38,8 +22,8 @@ struct StageContent
 class StageFile
 {
 public:
-    /// Nothing, and "file:line:column: reason" or "file: key: reason" in @p error, when the file
-    /// cannot be read or is not a stage.
+    /// Nothing, and "file:line:column: key: reason" in @p error, when the file cannot be read or is
+    /// not a stage.
     static std::optional<StageFile> read(const QString &fileName, QString *error);
     static std::optional<StageFile> fromJson(
         const QByteArray &json, const QString &fileName, QString *error);
@@ -75,9 +59,9 @@ public:
     QVector<StageContent> contents(int screenId) const; ///< at position p: sequence p + 1
 
 private:
+    QJsonArray screenList() const;
     QJsonObject screen(int screenId) const;
     void replaceScreen(int screenId, const QJsonObject &screen);
-    void link(int screenId, int number);
     void movePictures(const QString &directory);
 
     QString m_fileName;

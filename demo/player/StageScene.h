@@ -1,6 +1,6 @@
 #pragma once
 
-#include "StageFile.h"
+#include "demo/player/StageContent.h"
 
 #include <QGraphicsScene>
 #include <QPointer>

@@ -1,12 +1,13 @@
-#include "MainWindow.h"
-#include "Options.h"
-#include "Platform.h"
-#include "StagePlayer.h"
-#include "TerminationNotifier.h"
+#include "demo/player/MainWindow.h"
+#include "demo/player/Options.h"
+#include "demo/player/Platform.h"
+#include "demo/player/StagePlayer.h"
+#include "demo/player/TerminationNotifier.h"
+#include "demo/support/SimulatorVariables.h"
+#include "demo/support/UserFile.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QTextStream>
 #include <QThread>
 #include <QTimer>
@@ -74,11 +75,11 @@ Order takeOrder(const Options &options)
         break;
     }
     for (const QString &file : {options.replayFile, options.scenarioFile}) {
-        if (file.isEmpty() || QFileInfo(file).isFile())
+        if (file.isEmpty())
             continue;
-        return refuse((QFileInfo::exists(file) ? QStringLiteral("%1: is not a file")
-                                               : QStringLiteral("%1: no such file"))
-                          .arg(file));
+        const QString objection = Demo::UserFile::objection(file);
+        if (!objection.isEmpty())
+            return refuse(QStringLiteral("%1: %2").arg(file, objection));
     }
     QString error;
     const std::optional<StageFile> stage = StageFile::read(options.stageFile, &error);
@@ -98,14 +99,13 @@ void tellSimulator(const Options &options)
 {
     if (options.replayFile.isEmpty() && options.scenarioFile.isEmpty())
         return;
-    setPathVariable("KRHVC_REPLAY", options.replayFile);
-    setPathVariable("KRHVC_SCENARIO", options.scenarioFile);
+    setPathVariable(Demo::ReplayVariable, options.replayFile);
+    setPathVariable(Demo::ScenarioVariable, options.scenarioFile);
 }
 
 bool saveScreenshot(StagePlayer &player, MainWindow *window, const QString &fileName)
 {
-    const QFileInfo info(fileName);
-    if (info.exists() && !info.isFile()) // a pipe would block the open for ever
+    if (Demo::UserFile::isNoFile(fileName))
         return false;
     // A picture of a message half way over another one would be hard to read.
     const QDeadlineTimer deadline(SettleTimeout);

@@ -113,7 +113,7 @@ void tst_PlayerProgram::refused_data()
     QTest::newRow("a stage file with a wrong type")
         << QByteArray(R"({"screens": [{"id": 1}, {"id": 2, "contents": [{"params": 3}]}]})")
         << "--headless --stage %1/stage.json" << 2
-        << "%1/stage.json: screens[1].contents[0].params: must be an object";
+        << "%1/stage.json:1:49: screens[1].contents[0].params: must be an object";
     QTest::newRow("a screen that the stage does not have")
         << good << "--headless --stage %1/stage.json --screen 2" << 2
         << "%1/stage.json: there is no screen 2";

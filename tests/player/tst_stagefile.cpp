@@ -69,64 +69,64 @@ void tst_StageFile::refusedText_data()
     QTest::newRow("columns count characters, not bytes") << QByteArray("{ \"title\": \"\xc3\xbc\xc3\xbc\", \"screens\" []\n}")
         << "s.json:1:29: missing name separator";
     QTest::newRow("a list instead of an object") << QByteArray("[]")
-        << "s.json: must hold an object";
+        << "s.json:1:1: must be an object";
     QTest::newRow("a title that is a number") << QByteArray(R"({"title": 1, "screens": [{"id": 1}]})")
-        << "s.json: title: must be a text";
+        << "s.json:1:2: title: must be a text";
     QTest::newRow("no screens") << QByteArray("{}")
-        << "s.json: screens: is missing";
+        << "s.json:1:1: screens: is missing";
     QTest::newRow("screens that are no list") << QByteArray(R"({"screens": {}})")
-        << "s.json: screens: must be a list";
+        << "s.json:1:2: screens: must be a list";
     QTest::newRow("an empty list of screens") << QByteArray(R"({"screens": []})")
-        << "s.json: screens: must hold at least one screen";
+        << "s.json:1:2: screens: must hold at least one screen";
     QTest::newRow("a screen that is a number") << QByteArray(R"({"screens": [{"id": 1}, 2]})")
-        << "s.json: screens[1]: must be an object";
+        << "s.json:1:25: screens[1]: must be an object";
     QTest::newRow("a screen without id") << QByteArray(R"({"screens": [{}]})")
-        << "s.json: screens[0].id: is missing";
+        << "s.json:1:14: screens[0].id: is missing";
     QTest::newRow("an id that is a text") << QByteArray(R"({"screens": [{"id": "1"}]})")
-        << "s.json: screens[0].id: must be a whole number";
+        << "s.json:1:15: screens[0].id: must be a whole number";
     QTest::newRow("an id with a fraction") << QByteArray(R"({"screens": [{"id": 1.5}]})")
-        << "s.json: screens[0].id: must be a whole number";
+        << "s.json:1:15: screens[0].id: must be a whole number";
     QTest::newRow("an id beyond 32 bits") << QByteArray(R"({"screens": [{"id": 2147483648}]})")
-        << "s.json: screens[0].id: must be a whole number";
+        << "s.json:1:15: screens[0].id: must be a whole number";
     QTest::newRow("an id that is taken") << QByteArray(R"({"screens": [{"id": 1}, {"id": 2}, {"id": 1}]})")
-        << "s.json: screens[2].id: 1 already belongs to screens[0]";
+        << "s.json:1:37: screens[2].id: 1 already belongs to screens[0]";
     QTest::newRow("a screen's name that is a list") << QByteArray(R"({"screens": [{"id": 1, "name": []}]})")
-        << "s.json: screens[0].name: must be a text";
+        << "s.json:1:24: screens[0].name: must be a text";
     QTest::newRow("plugindata that is a list") << QByteArray(R"({"screens": [{"id": 1, "plugindata": []}]})")
-        << "s.json: screens[0].plugindata: must be an object";
+        << "s.json:1:24: screens[0].plugindata: must be an object";
     QTest::newRow("contents that are an object") << QByteArray(R"({"screens": [{"id": 1, "contents": {}}]})")
-        << "s.json: screens[0].contents: must be a list";
+        << "s.json:1:24: screens[0].contents: must be a list";
     QTest::newRow("a content that is a text") << QByteArray(R"({"screens": [{"id": 1, "contents": ["x"]}]})")
-        << "s.json: screens[0].contents[0]: must be an object";
+        << "s.json:1:37: screens[0].contents[0]: must be an object";
     QTest::newRow("a content without params") << QByteArray(R"({"screens": [{"id": 0}, {"id": 1, "contents": [{"params": {}}, {"params": {}}, {"type": 8}]}]})")
-        << "s.json: screens[1].contents[2].params: is missing";
+        << "s.json:1:80: screens[1].contents[2].params: is missing";
     QTest::newRow("params that are a list") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": []}]}]})")
-        << "s.json: screens[0].contents[0].params: must be an object";
+        << "s.json:1:38: screens[0].contents[0].params: must be an object";
     QTest::newRow("a content's name that is a number") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"name": 7, "params": {}}]}]})")
-        << "s.json: screens[0].contents[0].name: must be a text";
+        << "s.json:1:38: screens[0].contents[0].name: must be a text";
     QTest::newRow("a card that is a text") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": "red"}]}]})")
-        << "s.json: screens[0].contents[0].card: must be an object";
+        << "s.json:1:52: screens[0].contents[0].card: must be an object";
     QTest::newRow("a card's title that is a number") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"title": 1}}]}]})")
-        << "s.json: screens[0].contents[0].card.title: must be a text";
+        << "s.json:1:61: screens[0].contents[0].card.title: must be a text";
     QTest::newRow("a card's picture that is a number") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"picture": 1}}]}]})")
-        << "s.json: screens[0].contents[0].card.picture: must be a text";
+        << "s.json:1:61: screens[0].contents[0].card.picture: must be a text";
     QTest::newRow("a colour that does not exist") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"color": "redd"}}]}]})")
-        << "s.json: screens[0].contents[0].card.color: \"redd\" is not a colour";
+        << "s.json:1:61: screens[0].contents[0].card.color: \"redd\" is not a colour";
     QTest::newRow("events that are an object") << QByteArray(R"({"screens": [{"id": 1, "event": {}}]})")
-        << "s.json: screens[0].event: must be a list";
+        << "s.json:1:24: screens[0].event: must be a list";
     QTest::newRow("an event that is a number") << QByteArray(R"({"screens": [{"id": 1, "event": [{}, 3]}]})")
-        << "s.json: screens[0].event[1]: must be an object";
+        << "s.json:1:38: screens[0].event[1]: must be an object";
     QTest::newRow("a screen to play that is a text") << QByteArray(R"({"screen": "1", "screens": [{"id": 1}]})")
-        << "s.json: screen: must be a whole number";
+        << "s.json:1:2: screen: must be a whole number";
     QTest::newRow("a screen to play that does not exist") << QByteArray(R"({"screen": 2, "screens": [{"id": 1}]})")
-        << "s.json: screen: there is no screen 2";
+        << "s.json:1:2: screen: there is no screen 2";
     const QByteArray many = QByteArray("{},").repeated(1000);
     QTest::newRow("too many screens") << QByteArray(R"({"screens": [)" + many + "{}]}")
-        << "s.json: screens: must not hold more than 1000 entries";
+        << "s.json:1:2: screens: must not hold more than 1000 entries";
     QTest::newRow("too many contents") << QByteArray(R"({"screens": [{"id": 1, "contents": [)" + many + "{}]}]}")
-        << "s.json: screens[0].contents: must not hold more than 1000 entries";
+        << "s.json:1:24: screens[0].contents: must not hold more than 1000 entries";
     QTest::newRow("too many events") << QByteArray(R"({"screens": [{"id": 1, "event": [)" + many + "{}]}]}")
-        << "s.json: screens[0].event: must not hold more than 1000 entries";
+        << "s.json:1:24: screens[0].event: must not hold more than 1000 entries";
     QTest::newRow("too large a file") << QByteArray(R"({"screens": [{"id": 1}]})").leftJustified(16 * 1024 * 1024 + 1)
         << "s.json: is larger than 16 MiB";
     // clang-format on

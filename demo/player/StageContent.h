@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QColor>
+#include <QDir>
+#include <QJsonObject>
+#include <QString>
+
+namespace Player {
+
+/// What the stage shows for one sequence. Its texts have 500 characters at most.
+struct StageContent
+{
+    int number = 0; ///< counted from 1; 0: the card shown while nothing plays
+    QString name; ///< the entry's own name, else the one in its "params"
+    QString title; ///< the name when the card has no title
+    QString subtitle;
+    QColor color; ///< always valid
+    QString picture; ///< absolute path, empty when there is none
+
+    friend bool operator==(const StageContent &a, const StageContent &b)
+    {
+        return a.number == b.number && a.name == b.name && a.title == b.title
+            && a.subtitle == b.subtitle && a.color == b.color && a.picture == b.picture;
+    }
+    friend bool operator!=(const StageContent &a, const StageContent &b) { return !(a == b); }
+};
+
+/// What @p entry of a screen's contents says of sequence @p number. Pictures are found from
+/// @p directory on.
+StageContent stageContent(const QJsonObject &entry, int number, const QDir &directory);
+
+/// The text under @p key as it is shown, with 500 characters at most.
+QString shownText(const QJsonObject &object, const QString &key);
+
+} // namespace Player

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "demo/support/JsonProblem.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QJsonValue>
+
+/// The JSON form of a stage, which README.md describes. Only the structure is checked; ages,
+/// genders and settings are for the plug-in to judge.
+namespace Player::StageReader {
+
+/// Sets @p stage to the whole object, which is a stage unless the returned problem is set.
+Demo::JsonProblem read(const QByteArray &json, QJsonObject *stage);
+
+/// What is wrong with @p content as entry @p index of a screen's contents.
+Demo::JsonProblem checkContent(const QJsonValue &content, int index);
+
+} // namespace Player::StageReader
