@@ -1,6 +1,6 @@
-#include "EventLog.h"
+#include "demo/player/EventLog.h"
 
-#include "ShownText.h"
+#include "demo/player/ShownText.h"
 
 #include <QColor>
 

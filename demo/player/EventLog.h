@@ -21,7 +21,7 @@ struct PlayerEvent
     };
 
     Kind kind = Player;
-    QString signal; // name of the plug-in's signal; empty for kinds Player, Status and Edit
+    QString signal; ///< name of the plug-in's signal; empty for kinds Player, Status and Edit
     QString details;
     QTime time = QTime::currentTime();
 

@@ -1,8 +1,8 @@
-#include "MainWindow.h"
+#include "demo/player/MainWindow.h"
 
-#include "ShownText.h"
-#include "StagePlayer.h"
-#include "StageView.h"
+#include "demo/player/ShownText.h"
+#include "demo/player/StagePlayer.h"
+#include "demo/player/StageView.h"
 #include "host/KrPluginGuiInterface.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "demo/player/Options.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>

@@ -12,17 +12,17 @@ struct Options
     enum Request { Run, ShowHelp, ShowVersion, Refuse };
 
     Request request = Run;
-    QString error; // what is wrong, for Refuse
+    QString error; ///< what is wrong, for Refuse
 
     bool headless = false;
-    std::optional<int> milliseconds; // after which the player ends by itself
+    std::optional<int> milliseconds; ///< after which the player ends by itself
     QString stageFile;
     std::optional<int> screenId;
     QString pluginFile;
     QString logDirectory;
-    QString screenshotFile; // empty: none
-    QString replayFile; // empty: none
-    QString scenarioFile; // empty: none
+    QString screenshotFile; ///< empty: none
+    QString replayFile; ///< empty: none
+    QString scenarioFile; ///< empty: none
 
     /// @p arguments begin with the program's name. Needs no application object.
     static Options fromArguments(const QStringList &arguments, const QString &programDirectory);

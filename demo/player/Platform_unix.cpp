@@ -1,4 +1,4 @@
-#include "Platform.h"
+#include "demo/player/Platform.h"
 
 #include <QFile>
 

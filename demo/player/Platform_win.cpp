@@ -1,7 +1,8 @@
-#include "Platform.h"
+#include "demo/player/Platform.h"
 
 #include <array>
 #include <cstdlib>
+
 #include <windows.h>
 
 namespace Player {

@@ -29,7 +29,7 @@ struct PluginInformation
     QString vendor;
     QString copyright;
     QString url;
-    QString description; // may hold several lines
+    QString description; ///< may hold several lines
     QImage icon;
 };
 

@@ -1,4 +1,4 @@
-#include "ShownText.h"
+#include "demo/player/ShownText.h"
 
 #include <QTextDocument>
 

@@ -1,6 +1,6 @@
-#include "StagePlayer.h"
+#include "demo/player/StagePlayer.h"
 
-#include "StageChanges.h"
+#include "demo/player/StageChanges.h"
 #include "host/KrPluginKeys.h"
 #include "host/KrPluginLogLevel.h"
 
@@ -206,7 +206,7 @@ QStringList StagePlayer::addRequestedContents()
     QStringList lines;
     const QMap<int, QVariant> requested = std::exchange(m_requestedContents, {});
     for (auto it = requested.cbegin(); it != requested.cend(); ++it) {
-        const QString number = QString::number(qint64(it.key()) + 1);
+        const QString number = QString::number(static_cast<qint64>(it.key()) + 1);
         QString error;
         if (!m_stage.addContent(m_screenId, it.key(), it.value(), &error)) {
             lines << tr("content #%1 not added: %2").arg(number, error);
@@ -244,7 +244,7 @@ QString StagePlayer::describe(int seqIndex) const
     QString name = tr("(no such content)");
     if (seqIndex >= 0 && seqIndex < m_contents.size())
         name = m_contents.at(seqIndex).name;
-    return QStringLiteral("#%1  %2").arg(QString::number(qint64(seqIndex) + 1), name);
+    return QStringLiteral("#%1  %2").arg(QString::number(static_cast<qint64>(seqIndex) + 1), name);
 }
 
 QString StagePlayer::describeLinks(int number) const

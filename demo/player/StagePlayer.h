@@ -1,9 +1,9 @@
 #pragma once
 
-#include "EventLog.h"
-#include "PluginHost.h"
-#include "StageFile.h"
-#include "StageScene.h"
+#include "demo/player/EventLog.h"
+#include "demo/player/PluginHost.h"
+#include "demo/player/StageFile.h"
+#include "demo/player/StageScene.h"
 
 #include <QByteArray>
 #include <QList>

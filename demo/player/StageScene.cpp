@@ -1,6 +1,6 @@
-#include "StageScene.h"
+#include "demo/player/StageScene.h"
 
-#include "CardItem.h"
+#include "demo/player/CardItem.h"
 #include "host/KrPluginGraphicsItem.h"
 
 #include <QImage>

@@ -1,6 +1,6 @@
-#include "StageView.h"
+#include "demo/player/StageView.h"
 
-#include "StageScene.h"
+#include "demo/player/StageScene.h"
 
 #include <QResizeEvent>
 

@@ -1,10 +1,11 @@
-#include "TerminationNotifier.h"
+#include "demo/player/TerminationNotifier.h"
 
 #include <QSocketNotifier>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
+
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -1,6 +1,7 @@
-#include "TerminationNotifier.h"
+#include "demo/player/TerminationNotifier.h"
 
 #include <mutex>
+
 #include <windows.h>
 
 namespace Player {

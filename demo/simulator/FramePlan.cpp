@@ -16,10 +16,11 @@ QByteArray joinLines(const QVector<QByteArray> &lines)
 
 QVector<Step> writeInPieces(const QByteArray &block, int pieces, int pauseMs)
 {
+    const qint64 size = block.size();
     QVector<Step> steps;
     for (int i = 0; i < pieces; ++i) {
-        const int begin = int(qint64(block.size()) * i / pieces);
-        const int end = int(qint64(block.size()) * (i + 1) / pieces);
+        const int begin = static_cast<int>(size * i / pieces);
+        const int end = static_cast<int>(size * (i + 1) / pieces);
         if (begin == end) // more pieces than bytes
             continue;
         if (!steps.isEmpty())

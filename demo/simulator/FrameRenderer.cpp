@@ -29,17 +29,21 @@ class Chance
 {
 public:
     Chance(quint32 seed, qint64 frame, int viewer)
-        : m_state(hash(hash(hash(seed) + quint64(frame)) + quint64(viewer)))
+        : m_state(
+            hash(hash(hash(seed) + static_cast<quint64>(frame)) + static_cast<quint64>(viewer)))
     { }
 
-    /// \a value moved by at most \a deviation, kept in [min, max].
+    /// @p value moved by at most @p deviation, kept in [min, max].
     int around(int value, int deviation, int min, int max)
     {
-        const quint64 steps = 2 * quint64(deviation) + 1;
-        return std::clamp(value - deviation + int(next() % steps), min, max);
+        const quint64 steps = 2 * static_cast<quint64>(deviation) + 1;
+        return std::clamp(value - deviation + static_cast<int>(next() % steps), min, max);
     }
 
-    bool happens(double probability) { return double(next() % 1000000) < probability * 1e6; }
+    bool happens(double probability)
+    {
+        return static_cast<double>(next() % 1000000) < probability * 1e6;
+    }
 
 private:
     static quint64 hash(quint64 z)
@@ -71,7 +75,8 @@ Position positionAt(const Viewer &viewer, qint64 ms)
     const Waypoint &last = *std::prev(next);
     if (next == viewer.path.end())
         return last.position;
-    const double share = double(ms - last.atMs) / double(next->atMs - last.atMs);
+    const double share
+        = static_cast<double>(ms - last.atMs) / static_cast<double>(next->atMs - last.atMs);
     return {between(last.position.x, next->position.x, share),
         between(last.position.y, next->position.y, share),
         between(last.position.size, next->position.size, share)};

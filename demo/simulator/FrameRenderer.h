@@ -10,7 +10,7 @@ namespace Simulation {
 extern const char *const EndPrompt;
 
 /// The block of text for one frame, line ends included; a pure function of its arguments.
-/// \a frame counts from 0, its time is frame * \a intervalMs. Faults have no effect here.
+/// @p frame counts from 0, its time is frame * @p intervalMs. Faults have no effect here.
 QByteArray renderFrame(const Scenario &scenario, qint64 frame, int intervalMs);
 
 } // namespace Simulation

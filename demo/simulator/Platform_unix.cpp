@@ -1,10 +1,10 @@
 #include "demo/simulator/Platform.h"
 
+#include <cstdlib>
+
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cstdlib>
 
 namespace Simulation {
 

@@ -1,8 +1,8 @@
 #include "demo/simulator/Platform.h"
 
-#include <windows.h>
-
 #include <cstdlib>
+
+#include <windows.h>
 
 namespace Simulation {
 

@@ -37,12 +37,11 @@ bool isFaceCount(const QByteArray &trimmedLine)
 
 FramePlan Recording::planFrame(qint64 frame, int intervalMs) const
 {
-    const int i = int(frame % blocks.size());
+    const int i = static_cast<int>(frame % blocks.size());
     const bool last = i + 1 == blocks.size();
     FramePlan plan;
     plan.steps.append({Step::Write, blocks.at(i).text, 0});
-    plan.nextAfterMs
-        = timed && !last ? blocks.at(i + 1).timeMs - blocks.at(i).timeMs : qint64(intervalMs);
+    plan.nextAfterMs = timed && !last ? blocks.at(i + 1).timeMs - blocks.at(i).timeMs : intervalMs;
     return plan;
 }
 

@@ -18,18 +18,18 @@ struct Recording
 {
     struct Block
     {
-        qint64 timeMs = 0; // 0 throughout when the recording has no time stamps
-        QByteArray text; // as recorded, line ends included
+        qint64 timeMs = 0; ///< 0 throughout when the recording has no time stamps
+        QByteArray text; ///< as recorded, line ends included
     };
 
     QVector<Block> blocks;
     bool timed = false;
 
-    /// Plays block \a frame, counted from 0, and begins anew after the last one; needs a block.
+    /// Plays block @p frame, counted from 0, and begins anew after the last one; needs a block.
     FramePlan planFrame(qint64 frame, int intervalMs) const;
 };
 
-/// \a name stands for the recording in \a error, which is set when nothing is returned.
+/// @p name stands for the recording in @p error, which is set when nothing is returned.
 std::optional<Recording> parseRecording(
     const QByteArray &text, const QString &name, QString *error);
 

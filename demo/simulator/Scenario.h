@@ -10,11 +10,11 @@ namespace Simulation {
 /// What the sensor itself can report; readings and their noise never leave these ranges.
 namespace Sensor {
 constexpr int MaxFaces = 35;
-constexpr int MaxX = 1599; // pixels of the sensor's 1600 x 1200 image
+constexpr int MaxX = 1599; ///< pixels of the sensor's 1600 x 1200 image
 constexpr int MaxY = 1199;
 constexpr int MaxSize = 1200;
-constexpr int MaxAngle = 180; // degrees, either way
-constexpr int MaxAge = 120; // years
+constexpr int MaxAngle = 180; ///< degrees, either way
+constexpr int MaxAge = 120; ///< years
 constexpr int MaxConfidence = 1000;
 } // namespace Sensor
 
@@ -49,7 +49,7 @@ struct LookAway
     qint64 fromMs = 0;
     qint64 toMs = 0;
     Direction direction;
-    bool lost = false; // turned so far that the sensor finds no face
+    bool lost = false; ///< turned so far that the sensor finds no face
 };
 
 /// How sure the sensor is, 0 to Sensor::MaxConfidence.
@@ -64,27 +64,27 @@ struct Confidence
 /// Largest deviation of a reading from the truth, either way; every value in between is as likely.
 struct Noise
 {
-    int position = 0; // pixels, x and y
-    int size = 0; // pixels
-    int direction = 0; // degrees, all three angles
-    int age = 0; // years
-    int confidence = 0; // all four confidences
-    double genderError = 0; // share of frames with the other gender, 0 to 1
-    double miss = 0; // share of frames in which the face is not found, 0 to 1
+    int position = 0; ///< pixels, x and y
+    int size = 0; ///< pixels
+    int direction = 0; ///< degrees, all three angles
+    int age = 0; ///< years
+    int confidence = 0; ///< all four confidences
+    double genderError = 0; ///< share of frames with the other gender, 0 to 1
+    double miss = 0; ///< share of frames in which the face is not found, 0 to 1
 };
 
 /// A person who is before the sensor in [arriveMs, leaveMs).
 struct Viewer
 {
     qint64 arriveMs = 0;
-    std::optional<qint64> leaveMs; // none: stays
+    std::optional<qint64> leaveMs; ///< none: stays
     Gender gender = Gender::Unknown;
-    std::optional<int> age; // none: the sensor cannot tell
-    Position position; // used when there is no path
-    QVector<Waypoint> path; // ascending in time
+    std::optional<int> age; ///< none: the sensor cannot tell
+    Position position; ///< used when there is no path
+    QVector<Waypoint> path; ///< ascending in time
     Direction direction;
-    QVector<LookAway> lookAway; // the first that fits counts
-    std::optional<qint64> ageMarkAfterMs; // since the arrival; none: never marked
+    QVector<LookAway> lookAway; ///< the first that fits counts
+    std::optional<qint64> ageMarkAfterMs; ///< since the arrival; none: never marked
     std::optional<qint64> genderMarkAfterMs;
     Confidence confidence;
     Noise noise;
@@ -96,12 +96,12 @@ struct Fault
     enum Kind { Crash, Exit, Silence, Garbage, Pieces, Flood, ErrorOutput, CloseOutput };
 
     Kind kind = Crash;
-    qint64 frame = 0; // the first frame that it concerns, counted from 0
-    qint64 frames = 1; // 0: all that follow
-    int status = 0; // Exit
-    int pieces = 4; // Pieces
-    int pauseMs = 20; // Pieces: between two of them
-    QVector<QByteArray> lines; // Garbage, ErrorOutput; without line ends
+    qint64 frame = 0; ///< the first frame that it concerns, counted from 0
+    qint64 frames = 1; ///< 0: all that follow
+    int status = 0; ///< Exit
+    int pieces = 4; ///< Pieces
+    int pauseMs = 20; ///< Pieces: between two of them
+    QVector<QByteArray> lines; ///< Garbage, ErrorOutput; without line ends
 
     bool concerns(qint64 number) const
     {
@@ -113,10 +113,10 @@ struct Fault
 struct Scenario
 {
     quint32 seed = 1;
-    qint64 repeatMs = 0; // the viewers' time starts anew after this; 0: never
+    qint64 repeatMs = 0; ///< the viewers' time starts anew after this; 0: never
     QVector<int> absentPorts;
     bool ignoreStopKey = false;
-    int stopDelayMs = 0; // between the stop key and the end
+    int stopDelayMs = 0; ///< between the stop key and the end
     QVector<Viewer> viewers;
     QVector<Fault> faults;
 };

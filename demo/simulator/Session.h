@@ -21,7 +21,7 @@ public:
         qint64 frames = 0; ///< ends after so many; 0: never
     };
 
-    /// \a recordFile, when it is open, gets every block with the time at which it was due.
+    /// @p recordFile, when it is open, gets every block with the time at which it was due.
     Session(const Settings &settings, QFile &recordFile);
 
     /// Returns the program's exit status.

@@ -23,7 +23,7 @@ public:
 
     explicit StopKey(const Settings &settings);
 
-    /// Returns at \a time with false, or at once with true when the program is to end.
+    /// Returns at @p time with false, or at once with true when the program is to end.
     bool waitUntil(Clock::time_point time) const;
 
 private:
