@@ -20,6 +20,10 @@ QString operator""_s(const char *text, std::size_t size)
     return QString::fromUtf8(text, static_cast<int>(size));
 }
 
+void ignoreMessage(
+    QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString & /*message*/)
+{ }
+
 SensorFrame parse(const QString &chunk)
 {
     return SensorOutputParser::parse(chunk, QDateTime());
@@ -107,7 +111,7 @@ public:
     QString chunk()
     {
         // Many chunks have to pass, and the others have to be close to those.
-        m_numberBits = 1 + atMost(31);
+        m_numberBits = 4 + atMost(24);
         m_oddOneIn = 8 << atMost(8);
         QString text = any(labels());
         for (int runs = 1 + atMost(3); runs > 0; --runs) {
@@ -195,7 +199,7 @@ private:
             return any(m_dictionary.others);
         if (atMost(4) == 0)
             return any(words);
-        return QString::number((1LL << atMost(m_numberBits)) - 1) + unit;
+        return QString::number((1LL << (m_numberBits - atMost(4))) - 1) + unit;
     }
 
     const Dictionary &m_dictionary;
@@ -259,6 +263,9 @@ void tst_LayoutBound::sensible_data()
     row("a label and a value", "<b>One</b>\t<i>\nAge\t<img src=\"x\"> Age:3"_s);
     row("closing tags of the table", "Failed x</span></td></tr></table>\nFailed y"_s);
     row("markup in a face", "Index:0\tX:1 Y:2 <b>Size:3</b> Confidence:4\nGender\t<b>x"_s);
+    row("a table of more rows and columns",
+        "Failed <table>"_s + "<tr><td>a</td><td colspan=2><b>b</b></td></tr>"_s.repeated(20)
+            + "</table>"_s);
     row("three tables", "Failed "_s + "<table><tr><td>"_s.repeated(3));
     row("many nested elements", "Failed "_s + "<div>"_s.repeated(500));
     row("a word as long as may be", "Failed "_s + QString(4096, QLatin1Char('x')));
@@ -305,6 +312,11 @@ void tst_LayoutBound::unbounded_data()
     row("nested tables with a slash", "Failed "_s + "<table/ ><tr><td>"_s.repeated(20));
     row("nested tables by entity", "Failed "_s + "<&#116;able><tr><td>"_s.repeated(20));
     row("nested tables with quoted names", "Failed "_s + "<\"table\"><tr><td>"_s.repeated(20));
+    row("nested tables that only stray cells make", "Failed "_s + "<td></tr>"_s.repeated(64));
+    row("nested tables in their heads", "Failed "_s + "<thead><td>"_s.repeated(64));
+    row("nested tables in their captions", "Failed "_s + "<CAPTION><th>"_s.repeated(64));
+    row("nested tables in rows that are closed at once",
+        "Failed "_s + "</tr><tr/><td>"_s.repeated(20));
     row("nested elements", "Failed "_s + "<div>"_s.repeated(10000));
     row("too many tags", "Failed "_s + "<b>x</b>"_s.repeated(300));
     row("too much text with markup", "Failed <b>"_s + "word "_s.repeated(14000));
@@ -332,7 +344,7 @@ void tst_LayoutBound::unbounded_data()
     tag("a margin in fonts", "<p style=\"font-size:999px;margin:9999em\">"_s);
     tag("a line height in fonts", "<p style=\"font-size:999px;line-height:999\">"_s);
     tag("an indent", "<ul style=\"-qt-list-indent:9\"><li>"_s);
-    tag("many columns", "<td colspan=20000>"_s);
+    tag("many columns", "<td colspan=4095>"_s);
     tag("a length before a comment", "<td style=\"padding:30000000px\"><!-- -->"_s);
     tag("a length behind a comment", "<!-- > --><td style=\"padding:30000000px\">"_s);
     tag("a length behind a '<'", "1 < 2 <td style=\"padding:30000000px\">"_s);
@@ -352,6 +364,7 @@ void tst_LayoutBound::unbounded_data()
     tag("many paragraphs' margins", "<p style=\"margin:9999px\">x</p>"_s.repeated(100));
     tag("many columns in many rows",
         "<td colspan=999>"_s.repeated(9) + "\nFailed x"_s.repeated(100));
+    row("many cells in many rows", "Failed "_s + "<td>"_s.repeated(100) + "\n\r"_s.repeated(200));
     row("a long word", "Failed "_s + QString(1000000, QLatin1Char('x')));
     row("a long word that only joining makes", "Age\t"_s + "x "_s.repeated(5000));
     row("a long word of no-break spaces",
@@ -439,6 +452,8 @@ void tst_LayoutBound::whatIsAdmittedIsLaidOut()
 
     constexpr int Count = 3000;
     int admitted = 0;
+    QStringList slow;
+    qInstallMessageHandler(ignoreMessage); // Qt warns of many a value
     for (int seed = 0; seed < Count; ++seed) {
         const QString chunk = ChunkGenerator(dictionary, static_cast<unsigned>(seed)).chunk();
         const SensorFrame frame = parse(chunk);
@@ -446,8 +461,11 @@ void tst_LayoutBound::whatIsAdmittedIsLaidOut()
             continue;
         ++admitted;
         const qint64 time = layoutTime(frame.html);
-        QVERIFY2(time < GenerousMs, qPrintable(chunk));
+        if (time >= GenerousMs)
+            slow.append(chunk);
     }
+    qInstallMessageHandler(nullptr);
+    QCOMPARE(slow, QStringList());
     // Both sides of the line have been seen.
     QVERIFY2(
         admitted > Count / 10 && admitted < Count * 9 / 10, qPrintable(QString::number(admitted)));
