@@ -36,22 +36,20 @@ int firstPosition(const QVector<int> &sorted, int value)
 
 ContentMatch matchContent(const FaceResult &face, const DetectionContents &contents)
 {
-    const FaceResultItem ageItem = face.item(FaceResultItem::Age);
-    const FaceResultItem genderItem = face.item(FaceResultItem::Gender);
-    const int age = ageItem.isValid() ? ageItem.value.toInt() : -1;
-    const int gender = genderItem.isValid() ? genderItem.value.toInt() : UnknownGender;
+    const Measured<int> age = face.age.value_or(Measured<int>{-1});
+    const Measured<int> gender = face.gender.value_or(Measured<int>{UnknownGender});
 
     int defaultFit = -1;
     int ageFit = -1;
     for (int position = 0; position < contents.size(); ++position) {
         const DetectionContent &content = contents.at(position);
-        const bool coversAge = content.coversAge(age);
-        if ((content.genders & gender) == 0) {
+        const bool coversAge = content.coversAge(age.value);
+        if ((content.genders & gender.value) == 0) {
             if (coversAge)
                 ageFit = position;
         } else if (coversAge) {
-            double bonus = genderItem.marked ? FullFitBonusMarkedGender : FullFitBonus;
-            if (ageItem.marked)
+            double bonus = gender.marked ? FullFitBonusMarkedGender : FullFitBonus;
+            if (age.marked)
                 bonus *= FullFitMarkedAgeFactor;
             return {position, bonus};
         } else if (content.isDefault) {
@@ -60,9 +58,9 @@ ContentMatch matchContent(const FaceResult &face, const DetectionContents &conte
     }
 
     if (defaultFit >= 0)
-        return {defaultFit, genderItem.marked ? DefaultBonusMarkedGender : DefaultBonus};
+        return {defaultFit, gender.marked ? DefaultBonusMarkedGender : DefaultBonus};
     if (ageFit >= 0)
-        return {ageFit, ageItem.marked ? AgeFitBonusMarkedAge : AgeFitBonus};
+        return {ageFit, age.marked ? AgeFitBonusMarkedAge : AgeFitBonus};
     return {};
 }
 

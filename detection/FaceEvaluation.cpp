@@ -37,13 +37,15 @@ ContentReason reasonAgainst(
 
 FaceEvaluation evaluateFace(const FaceResult &face, const DetectionContents &contents)
 {
-    const FaceResultItem ageItem = face.item(FaceResultItem::Age);
-    const FaceResultItem genderItem = face.item(FaceResultItem::Gender);
     FaceEvaluation evaluation;
-    evaluation.age = ageItem.isValid() ? ageItem.value.toInt() : -1;
-    evaluation.gender = genderItem.isValid() ? genderItem.value.toInt() : UnknownGender;
-    evaluation.ageMarked = ageItem.marked;
-    evaluation.genderMarked = genderItem.marked;
+    if (face.age) {
+        evaluation.age = face.age->value;
+        evaluation.ageMarked = face.age->marked;
+    }
+    if (face.gender) {
+        evaluation.gender = face.gender->value;
+        evaluation.genderMarked = face.gender->marked;
+    }
     evaluation.match = matchContent(face, contents);
 
     // Without a choice there is no candidate either, so what stands for it does not matter.

@@ -1,65 +1,95 @@
 #include "detection/SensorOutputParser.h"
 
 #include "core/screen/Gender.h"
+#include "detection/Pieces.h"
 
-#include <QStringRef>
-#include <QVariantMap>
-
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace PluginKrHvcP2 {
 
 namespace {
 
 constexpr int TypicalHtmlGrowth = 3; // markup of a frame, in multiples of its text
+constexpr int CertainDigits = 9; // as many always fit into an int
 
-/// The non-empty pieces of @p text.
-QVector<QStringRef> split(const QStringRef &text, char separator)
+bool contains(QStringView text, char16_t character)
 {
-#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
-    return text.split(QLatin1Char(separator), Qt::SkipEmptyParts);
-#else
-    return text.split(QLatin1Char(separator), QString::SkipEmptyParts);
-#endif
+    return std::find(text.cbegin(), text.cend(), QChar(character)) != text.cend();
+}
+
+bool startsWith(QStringView text, QStringView prefix)
+{
+    return text.size() >= prefix.size()
+        && std::equal(prefix.cbegin(), prefix.cend(), text.cbegin());
+}
+
+/// For a @p prefix whose first letter, given in lower case, is the other case of no third one.
+bool startsWithIgnoringCase(QStringView text, char16_t first, QStringView prefix)
+{
+    return !text.isEmpty() && (text.front().unicode() | 0x20U) == first
+        && text.startsWith(prefix, Qt::CaseInsensitive);
+}
+
+bool isEndPrompt(QStringView line)
+{
+    return startsWithIgnoringCase(line, u'p', u"Press Space Key to end:");
+}
+
+bool isError(QStringView line)
+{
+    for (; !line.isEmpty(); line = line.mid(1)) {
+        if (startsWithIgnoringCase(line, u'f', u"Failed "))
+            return true;
+    }
+    return false;
+}
+
+std::optional<int> toNumber(QStringView text)
+{
+    const bool isNegative = startsWith(text, u"-");
+    const QStringView digits = text.mid(isNegative ? 1 : 0);
+    if (digits.isEmpty() || digits.size() > CertainDigits
+        || !std::all_of(digits.cbegin(), digits.cend(),
+            [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); })) {
+        // Signs, blanks, letters of other scripts and the limits are Qt's to judge.
+        bool ok = false;
+        const int number = text.toString().toInt(&ok, 10);
+        return ok ? std::optional<int>(number) : std::nullopt;
+    }
+    int number = 0;
+    for (const QChar digit : digits)
+        number = 10 * number + (digit.unicode() - u'0');
+    return isNegative ? -number : number;
 }
 
 /// The value of a "label:value" token; empty when there is none.
-QStringRef tokenValue(const QStringRef &token)
+QStringView tokenValue(QStringView token)
 {
-    const QVector<QStringRef> parts = split(token, ':');
-    return parts.size() >= 2 ? parts.at(1) : QStringRef();
+    Pieces parts(token, u':');
+    parts.next();
+    return parts.next();
 }
 
-std::optional<int> tokenNumber(const QStringRef &token)
+std::optional<int> tokenNumber(QStringView token)
 {
-    bool ok = false;
-    const int number = tokenValue(token).toInt(&ok, 10);
-    return ok ? std::optional<int>(number) : std::nullopt;
+    const QStringView value = tokenValue(token);
+    return value.isEmpty() ? std::nullopt : toNumber(value);
 }
 
 /// Takes the number of @p token over into @p number when its label is @p label, colon included.
-bool readNumber(const QStringRef &token, const char *label, std::optional<int> &number)
+bool readNumber(QStringView token, QStringView label, std::optional<int> &number)
 {
-    const std::optional<int> read
-        = token.startsWith(QLatin1String(label)) ? tokenNumber(token) : std::nullopt;
+    const std::optional<int> read = startsWith(token, label) ? tokenNumber(token) : std::nullopt;
     if (read)
         number = read;
     return read.has_value();
 }
 
-bool readConfidence(const QStringRef &token, std::optional<int> &confidence)
+bool readConfidence(QStringView token, std::optional<int> &confidence)
 {
-    return readNumber(token, "Confidence:", confidence);
-}
-
-QString confidenceText(int confidence)
-{
-    return QStringLiteral("Confidence:") + QString::number(confidence) + QLatin1Char(' ');
-}
-
-bool isEndPrompt(const QStringRef &line)
-{
-    return line.startsWith(QLatin1String("Press Space Key to end:"), Qt::CaseInsensitive);
+    return readNumber(token, u"Confidence:", confidence);
 }
 
 } // namespace
@@ -67,27 +97,26 @@ bool isEndPrompt(const QStringRef &line)
 SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &time)
 {
     SensorOutputParser parser(time);
-    QString &html = parser.m_frame.html;
-    html.reserve(chunk.size() * TypicalHtmlGrowth);
-    html += QLatin1String("<table>");
-    const QVector<QStringRef> lines = split(QStringRef(&chunk), '\n');
-    for (const QStringRef &line : lines)
+    parser.m_frame.html.reserve(chunk.size() * TypicalHtmlGrowth);
+    parser.put(u"<table>");
+    Pieces lines(chunk, u'\n');
+    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
         parser.parseLine(line);
-    html += QLatin1String("</table>");
-    return parser.m_frame;
+    parser.put(u"</table>");
+    return std::move(parser.m_frame);
 }
 
 QString SensorOutputParser::plainText(const QString &chunk)
 {
     QString text;
-    const QVector<QStringRef> lines = split(QStringRef(&chunk), '\n');
-    for (const QStringRef &line : lines) {
-        const QStringRef trimmed = line.trimmed();
+    Pieces lines(chunk, u'\n');
+    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next()) {
+        const QStringView trimmed = line.trimmed();
         if (isEndPrompt(line) || trimmed.isEmpty())
             continue;
         if (!text.isEmpty())
             text += QLatin1Char('\n');
-        text += trimmed;
+        text.append(trimmed.data(), static_cast<int>(trimmed.size()));
     }
     return text;
 }
@@ -96,181 +125,193 @@ SensorOutputParser::SensorOutputParser(const QDateTime &time)
     : m_time(time)
 { }
 
-void SensorOutputParser::parseLine(const QStringRef &line)
+void SensorOutputParser::put(QStringView text)
+{
+    m_frame.html.append(text.data(), static_cast<int>(text.size()));
+}
+
+void SensorOutputParser::putNumber(QStringView before, int number, QStringView behind)
+{
+    put(before);
+    m_frame.html += QString::number(number);
+    put(behind);
+}
+
+void SensorOutputParser::parseLine(QStringView line)
 {
     if (isEndPrompt(line)) {
         m_face.reset();
         return;
     }
 
-    const QStringRef trimmed = line.trimmed();
+    const QStringView trimmed = line.trimmed();
     m_frame.hasRows = true;
     const int rowStart = m_frame.html.size();
-    m_frame.html += QLatin1String("<tr>");
+    put(u"<tr>");
     bool closesFace = false;
-    if (trimmed.contains(QLatin1String("Failed "), Qt::CaseInsensitive)) {
-        appendErrorCell(trimmed);
-    } else if (trimmed.startsWith(QLatin1String("Face result count:"), Qt::CaseInsensitive)) {
-        appendFaceCountCell(trimmed);
+    if (isError(trimmed)) {
+        putErrorCell(trimmed);
+    } else if (startsWithIgnoringCase(trimmed, u'f', u"Face result count:")) {
+        putFaceCountCell(trimmed);
     } else {
-        appendResultCells(trimmed);
-        closesFace = trimmed.startsWith(QLatin1String("Gender"));
+        putResultCells(trimmed);
+        closesFace = startsWith(trimmed, u"Gender");
     }
-    m_frame.html += QLatin1String("</tr>");
-    if (trimmed.contains(QLatin1Char('<')))
+    put(u"</tr>");
+    if (contains(trimmed, u'<'))
         m_frame.markup += m_frame.html.midRef(rowStart);
     if (closesFace)
         closeFace();
 }
 
-void SensorOutputParser::appendErrorCell(const QStringRef &line)
+void SensorOutputParser::putErrorCell(QStringView line)
 {
     m_frame.errorSeen = true;
-    const bool isOpenFailure
-        = line.compare(QLatin1String("Failed to open COM port."), Qt::CaseInsensitive) == 0;
-    m_frame.html += QLatin1String("<td><span style=\"color:red;font-weight:bold;\">")
-        + (isOpenFailure ? tr("Failed to open COM port.") : line.toString())
-        + QLatin1String("</span></td>");
+    put(u"<td><span style=\"color:red;font-weight:bold;\">");
+    if (line.compare(u"Failed to open COM port.", Qt::CaseInsensitive) == 0)
+        put(tr("Failed to open COM port."));
+    else
+        put(line);
+    put(u"</span></td>");
 }
 
-void SensorOutputParser::appendFaceCountCell(const QStringRef &line)
+void SensorOutputParser::putFaceCountCell(QStringView line)
 {
-    const bool isCounted = split(line, ':').size() >= 2;
+    const bool isCounted = !tokenValue(line).isEmpty();
     const bool isNobody = isCounted && tokenNumber(line).value_or(0) < 1;
     m_frame.noFace = m_frame.noFace || isNobody;
-    m_frame.html += QLatin1String("<td><span style=\"color:")
-        + QLatin1String(isNobody ? "orange" : "white") + QLatin1String(";\">") + line
-        + QLatin1String("</span></td>");
+    put(u"<td><span style=\"color:");
+    put(isNobody ? QStringView(u"orange") : QStringView(u"white"));
+    put(u";\">");
+    put(line);
+    put(u"</span></td>");
 }
 
-void SensorOutputParser::appendResultCells(const QStringRef &line)
+void SensorOutputParser::putResultCells(QStringView line)
 {
-    const QVector<QStringRef> fields = split(line, '\t');
-    if (fields.size() < 2)
+    Pieces fields(line, u'\t');
+    const QStringView label = fields.next();
+    const QStringView values = fields.next();
+    if (values.isEmpty())
         return;
 
-    const QStringRef &label = fields.at(0);
-    const QStringRef &values = fields.at(1);
-    if (line.startsWith(QLatin1String("Index:"), Qt::CaseInsensitive)) {
-        appendIndexCells(line, label, values);
+    if (startsWithIgnoringCase(line, u'i', u"Index:")) {
+        putIndexCells(line, label, values);
         return;
     }
 
-    const bool marked = line.contains(QLatin1Char('*'));
-    m_frame.html += QLatin1String("<td>") + label + QLatin1String("</td><td")
-        + QLatin1String(marked ? " style=\"color:lime;\"" : "") + QLatin1Char('>');
-    if (label.startsWith(QLatin1String("Age")))
-        appendAge(values, marked);
-    else if (label.startsWith(QLatin1String("Gender")))
-        appendGender(values, marked);
-    else if (label.startsWith(QLatin1String("Face Direction")))
-        appendDirection(values);
-    m_frame.html += QLatin1String("</td>");
+    const bool marked = contains(line, u'*');
+    put(u"<td>");
+    put(label);
+    put(u"</td><td");
+    if (marked)
+        put(u" style=\"color:lime;\"");
+    put(u">");
+    if (startsWith(label, u"Age"))
+        putAge(values, marked);
+    else if (startsWith(label, u"Gender"))
+        putGender(values, marked);
+    else if (startsWith(label, u"Face Direction"))
+        putDirection(values);
+    put(u"</td>");
 }
 
-void SensorOutputParser::appendIndexCells(
-    const QStringRef &line, const QStringRef &label, const QStringRef &values)
+void SensorOutputParser::putIndexCells(QStringView line, QStringView label, QStringView values)
 {
     const std::optional<int> index = tokenNumber(label);
     if (!index) {
-        m_frame.html += line;
+        put(line);
         return;
     }
     m_face.index = *index;
-    m_frame.html += QLatin1String("<td style=\"font-weight:bold;\">") + label
-        + QLatin1String("</td><td>") + values + QLatin1String(" </td>");
+    put(u"<td style=\"font-weight:bold;\">");
+    put(label);
+    put(u"</td><td>");
+    put(values);
+    put(u" </td>");
 
     std::optional<int> x;
     std::optional<int> y;
     std::optional<int> size;
     std::optional<int> confidence;
-    const QVector<QStringRef> tokens = split(values, ' ');
-    for (const QStringRef &token : tokens) {
-        if (!readNumber(token, "X:", x) && !readNumber(token, "Y:", y)
-            && !readNumber(token, "Size:", size))
+    int tokenCount = 0;
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        ++tokenCount;
+        if (!readNumber(token, u"X:", x) && !readNumber(token, u"Y:", y)
+            && !readNumber(token, u"Size:", size))
             readConfidence(token, confidence);
     }
-    if (tokens.size() < 4 || !x || !y || !size)
-        return;
-    const QVariantMap box{
-        {QStringLiteral("X"), *x}, {QStringLiteral("Y"), *y}, {QStringLiteral("Size"), *size}};
-    m_face.setItem({FaceResultItem::Detection, box, confidence.value_or(0), false});
+    if (tokenCount >= 4 && x && y && size)
+        m_face.box = {{*x, *y, *size}, confidence.value_or(0), false};
 }
 
-void SensorOutputParser::appendAge(const QStringRef &values, bool marked)
+void SensorOutputParser::putAge(QStringView values, bool marked)
 {
     std::optional<int> age;
     std::optional<int> confidence;
-    const QVector<QStringRef> tokens = split(values, ' ');
-    for (const QStringRef &token : tokens) {
-        if (readNumber(token, "Age:", age)) {
-            m_frame.html += QLatin1String("Age:<span style=\"color:yellow;\">")
-                + QString::number(*age) + QLatin1String("</span> ");
-        } else if (readConfidence(token, confidence)) {
-            m_frame.html += confidenceText(*confidence);
-        } else {
-            m_frame.html += token;
-        }
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        if (readNumber(token, u"Age:", age))
+            putNumber(u"Age:<span style=\"color:yellow;\">", *age, u"</span> ");
+        else if (readConfidence(token, confidence))
+            putNumber(u"Confidence:", *confidence, u" ");
+        else
+            put(token);
     }
     if (age)
-        m_face.setItem({FaceResultItem::Age, *age, confidence.value_or(0), marked});
+        m_face.age = {*age, confidence.value_or(0), marked};
 }
 
-void SensorOutputParser::appendGender(const QStringRef &values, bool marked)
+void SensorOutputParser::putGender(QStringView values, bool marked)
 {
     int gender = UnknownGender;
     std::optional<int> confidence;
-    const QVector<QStringRef> tokens = split(values, ' ');
-    for (const QStringRef &token : tokens) {
-        const bool isGender = token.startsWith(QLatin1String("Gender:"));
-        if (isGender && tokenValue(token) == QLatin1String("Male")) {
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        const QStringView word = startsWith(token, u"Gender:") ? tokenValue(token) : QStringView();
+        if (word == QStringView(u"Male")) {
             gender = Male;
-            m_frame.html += QLatin1String("Gender:<span style=\"color:skyblue;\">Male </span>");
-        } else if (isGender && tokenValue(token) == QLatin1String("Female")) {
+            put(u"Gender:<span style=\"color:skyblue;\">Male </span>");
+        } else if (word == QStringView(u"Female")) {
             gender = Female;
-            m_frame.html += QLatin1String("Gender:<span style=\"color:deeppink;\">Female </span>");
+            put(u"Gender:<span style=\"color:deeppink;\">Female </span>");
         } else if (readConfidence(token, confidence)) {
-            m_frame.html += confidenceText(*confidence);
+            putNumber(u"Confidence:", *confidence, u" ");
         } else {
-            m_frame.html += token;
+            put(token);
         }
     }
     if (gender != UnknownGender)
-        m_face.setItem({FaceResultItem::Gender, gender, confidence.value_or(0), marked});
+        m_face.gender = {gender, confidence.value_or(0), marked};
 }
 
-void SensorOutputParser::appendDirection(const QStringRef &values)
+void SensorOutputParser::putDirection(QStringView values)
 {
-    std::optional<int> leftRight;
-    std::optional<int> upDown;
-    std::optional<int> roll;
+    FaceAngles angles;
     std::optional<int> confidence;
-    const QVector<QStringRef> tokens = split(values, ' ');
-    for (const QStringRef &token : tokens) {
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
         if (readConfidence(token, confidence)) {
-            m_frame.html += confidenceText(*confidence);
+            putNumber(u"Confidence:", *confidence, u" ");
             continue;
         }
-        if (!readNumber(token, "LR:", leftRight) && !readNumber(token, "UD:", upDown))
-            readNumber(token, "Roll:", roll);
-        m_frame.html += token + QLatin1Char(' ');
+        if (!readNumber(token, u"LR:", angles.leftRight)
+            && !readNumber(token, u"UD:", angles.upDown))
+            readNumber(token, u"Roll:", angles.roll);
+        put(token);
+        put(u" ");
     }
-    if (!leftRight)
+    if (!angles.leftRight)
         return;
-
-    QVariantMap angles{{QStringLiteral("LR"), *leftRight},
-        {QStringLiteral("DirectionValue"),
-            upDown ? directionValue(*leftRight, *upDown) : UnknownDirectionValue}};
-    if (upDown)
-        angles.insert(QStringLiteral("UD"), *upDown);
-    if (roll)
-        angles.insert(QStringLiteral("Roll"), *roll);
-    m_face.setItem({FaceResultItem::Direction, angles, confidence.value_or(0), false});
+    if (angles.upDown)
+        angles.directionValue = directionValue(*angles.leftRight, *angles.upDown);
+    m_face.angles = {angles, confidence.value_or(0), false};
 }
 
 void SensorOutputParser::closeFace()
 {
-    m_frame.html += QLatin1String("<tr><td></td></tr>");
+    put(u"<tr><td></td></tr>");
     if (m_face.index >= 0 && m_face.hasItems()) {
         m_face.time = m_time;
         m_frame.faces.append(m_face);

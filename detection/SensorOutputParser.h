@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QList>
 #include <QString>
+#include <QStringView>
 #include <QVector>
 
 namespace PluginKrHvcP2 {
@@ -39,15 +40,16 @@ public:
 private:
     explicit SensorOutputParser(const QDateTime &time);
 
-    void parseLine(const QStringRef &line);
-    void appendErrorCell(const QStringRef &line);
-    void appendFaceCountCell(const QStringRef &line);
-    void appendResultCells(const QStringRef &line);
-    void appendIndexCells(
-        const QStringRef &line, const QStringRef &label, const QStringRef &values);
-    void appendAge(const QStringRef &values, bool marked);
-    void appendGender(const QStringRef &values, bool marked);
-    void appendDirection(const QStringRef &values);
+    void put(QStringView text); // to the table
+    void putNumber(QStringView before, int number, QStringView behind);
+    void parseLine(QStringView line);
+    void putErrorCell(QStringView line);
+    void putFaceCountCell(QStringView line);
+    void putResultCells(QStringView line);
+    void putIndexCells(QStringView line, QStringView label, QStringView values);
+    void putAge(QStringView values, bool marked);
+    void putGender(QStringView values, bool marked);
+    void putDirection(QStringView values);
     void closeFace();
 
     const QDateTime m_time;
