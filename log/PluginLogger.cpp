@@ -29,7 +29,7 @@ Q_LOGGING_CATEGORY(krhvcLog, "krhvcp2.log", QtWarningMsg)
 constexpr int WaitTurnMs = 20;
 // Enough for 35 faces at 40 frames a second over the longest wait.
 constexpr std::size_t MaxQueuedRecords = 4000;
-constexpr qint64 MaxQueuedBytes = 8 * 1024 * 1024;
+constexpr qint64 MaxQueuedBytes = qint64{8} * 1024 * 1024;
 
 qint64 byteSize(const QString &text)
 {
@@ -203,7 +203,7 @@ void PluginLogger::withdraw(const std::optional<bool> *outcome)
         takeRecord(own);
 }
 
-PluginLogger::Record PluginLogger::takeRecord(std::deque<Record>::iterator position)
+PluginLogger::Record PluginLogger::takeRecord(const std::deque<Record>::iterator &position)
 {
     Record record = std::move(*position);
     m_queue.erase(position);

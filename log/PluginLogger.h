@@ -85,7 +85,7 @@ private:
     bool writeLocked(Record record, Waiting waiting);
     void enqueue(Record record);
     void withdraw(const std::optional<bool> *outcome);
-    Record takeRecord(std::deque<Record>::iterator position);
+    Record takeRecord(const std::deque<Record>::iterator &position);
     Attempt tryToWrite(QString &awaitedLock);
     void writeQueue(const LogSettings &settings, const QDir &directory);
     bool appendRecord(
