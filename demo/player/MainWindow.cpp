@@ -403,11 +403,13 @@ QWidget *MainWindow::createEventList()
         EventLog::NameColumn, metrics.horizontalAdvance(QStringLiteral("contentStarted")) + 14);
 
     // Follow the newest event, unless the user has scrolled up to read an older one.
-    QScrollBar *const bar = m_events->verticalScrollBar();
-    connect(&m_player->log(), &EventLog::rowsAboutToBeInserted, m_events,
-        [this, bar] { m_events->setProperty("follow", bar->value() >= bar->maximum()); });
-    connect(bar, &QScrollBar::rangeChanged, m_events, [this, bar](int /*minimum*/, int maximum) {
-        if (m_events->property("follow").toBool())
+    // Without this window, whose last widgets still move while it goes.
+    QTreeView *const events = m_events;
+    QScrollBar *const bar = events->verticalScrollBar();
+    connect(&m_player->log(), &EventLog::rowsAboutToBeInserted, events,
+        [events, bar] { events->setProperty("follow", bar->value() >= bar->maximum()); });
+    connect(bar, &QScrollBar::rangeChanged, events, [events, bar](int /*minimum*/, int maximum) {
+        if (events->property("follow").toBool())
             bar->setValue(maximum);
     });
     return m_events;
