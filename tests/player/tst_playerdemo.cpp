@@ -142,7 +142,7 @@ void tst_PlayerDemo::recordingSwitchesTheStage()
     QVERIFY(output.contains("  status  102  Started\n"));
 
     const QDir logs(file(QStringLiteral("logs/KrHvcP2")));
-    const QStringList names = logs.entryList({QStringLiteral("KrHvcP2Log*")}, QDir::Files);
+    const QStringList names = logs.entryList({QStringLiteral("KrHvcP2Log_*.txt")}, QDir::Files);
     QCOMPARE(names.size(), 1);
     process.terminate();
     QVERIFY(process.waitForFinished());
