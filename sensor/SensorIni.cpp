@@ -31,9 +31,9 @@ QString unescaped(const QByteArray &ini)
         result.append(text.midRef(end, match.capturedStart() - end));
         // Of a longer number the last 16 bits count.
         if (match.capturedLength(1) > 0)
-            result.append(QChar(match.captured(1).right(4).toUShort(nullptr, 16)));
+            result.append(QChar(match.capturedRef(1).right(4).toUShort(nullptr, 16)));
         else if (match.capturedLength(2) > 0)
-            result.append(QChar(match.captured(2).right(6).toUInt(nullptr, 8) & 0xffff));
+            result.append(QChar(match.capturedRef(2).right(6).toUInt(nullptr, 8) & 0xffff));
         end = match.capturedEnd();
     }
     return result + text.midRef(end);
