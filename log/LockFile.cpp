@@ -23,37 +23,29 @@ fs::path nativePath(const QString &path)
 #endif
 }
 
-/// Existence and kind by one look: the owner may remove the file between two.
-fs::file_type typeOf(const QString &path)
-{
-    std::error_code error;
-    return fs::symlink_status(nativePath(path), error).type();
-}
-
 } // namespace
 
-State look(const QString &path, const std::function<QDateTime()> &clock)
+Found look(const QString &path, const std::function<QDateTime()> &clock)
 {
-    switch (typeOf(path)) {
-    case fs::file_type::none: // whatever keeps us from looking will keep us from taking it, too
-    case fs::file_type::not_found:
-        return State::Absent;
-    case fs::file_type::regular:
-    case fs::file_type::symlink:
-        break;
-    default:
-        return State::Unusable;
-    }
+    // Existence and kind by one look: the owner may remove the file between two.
+    std::error_code error;
+    const fs::file_type type = fs::symlink_status(nativePath(path), error).type();
+    if (type == fs::file_type::not_found || type == fs::file_type::none)
+        return {}; // what keeps us from looking will keep us from taking it, too
+    const bool isLink = type == fs::file_type::symlink;
+    if (!isLink && type != fs::file_type::regular)
+        return {State::Unusable, false};
 
     const QDateTime modified = QFileInfo(path).lastModified();
     if (!modified.isValid())
-        return State::Absent; // it has gone since, or is a link to nothing
-    return modified.msecsTo(clock()) > StaleAgeMs ? State::Stale : State::Young;
+        return {State::Absent, isLink}; // it has gone since, or is a link to nothing
+    const bool isStale = modified.msecsTo(clock()) > StaleAgeMs;
+    return {isStale ? State::Stale : State::Young, isLink};
 }
 
-bool take(const QString &path)
+bool take(const QString &path, const Found &found)
 {
-    if (typeOf(path) == fs::file_type::symlink && !QFile::remove(path))
+    if (found.isLink && !QFile::remove(path))
         return false;
     QFile file(path);
     return file.open(QIODevice::WriteOnly);

@@ -16,12 +16,18 @@ enum class State {
     Unusable, ///< a directory or device stands in its place
 };
 
-/// What lies at @p path. A link is as old as what it names, and absent when it names nothing.
-/// @p clock returns the current time; it is asked only when an age has to be known.
-State look(const QString &path, const std::function<QDateTime()> &clock);
+struct Found
+{
+    State state = State::Absent;
+    bool isLink = false; ///< it is as old as what it names, and absent when it names nothing
+};
 
-/// Creates the file, or empties the stale one; a link in its place is replaced, what it names is
-/// not touched. False when that cannot be done.
-bool take(const QString &path);
+/// What lies at @p path. @p clock returns the current time; it is asked only when an age has to be
+/// known.
+Found look(const QString &path, const std::function<QDateTime()> &clock);
+
+/// Creates the file, or empties the stale one, after look() has found it so; a link in its place
+/// is replaced, what it names is not touched. False when that cannot be done.
+bool take(const QString &path, const Found &found);
 
 } // namespace PluginKrHvcP2::LockFile

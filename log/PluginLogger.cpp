@@ -228,7 +228,8 @@ PluginLogger::Attempt PluginLogger::tryToWrite(QString &awaitedLock)
     }
 
     const QString lockPath = directory.absoluteFilePath(LogFormat::lockFileName(current.baseName));
-    switch (LockFile::look(lockPath, m_clock)) {
+    const LockFile::Found lock = LockFile::look(lockPath, m_clock);
+    switch (lock.state) {
     case LockFile::State::Absent:
         break;
     case LockFile::State::Young:
@@ -241,7 +242,7 @@ PluginLogger::Attempt PluginLogger::tryToWrite(QString &awaitedLock)
     case LockFile::State::Unusable:
         return Attempt::Failed;
     }
-    if (!LockFile::take(lockPath))
+    if (!LockFile::take(lockPath, lock))
         return Attempt::Failed;
 
     cleanUpDaily(current);
@@ -289,12 +290,11 @@ bool PluginLogger::appendRecord(
 
 void PluginLogger::cleanUpDaily(const LogSettings &settings)
 {
-    QDir directory(settings.directory);
-    if (settings.directory.isEmpty() || !directory.exists() || QCoreApplication::closingDown())
-        return;
-
     const QDateTime now = m_clock();
     if (m_lastCleanup.isValid() && m_lastCleanup.date() == now.date())
+        return;
+    QDir directory(settings.directory);
+    if (settings.directory.isEmpty() || !directory.exists() || QCoreApplication::closingDown())
         return;
     m_lastCleanup = now;
 
