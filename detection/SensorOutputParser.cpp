@@ -4,6 +4,8 @@
 #include "detection/Pieces.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <optional>
 #include <utility>
 
@@ -25,25 +27,31 @@ bool startsWith(QStringView text, QStringView prefix)
         && std::equal(prefix.cbegin(), prefix.cend(), text.cbegin());
 }
 
-/// For a @p prefix whose first letter, given in lower case, is the other case of no third one.
-bool startsWithIgnoringCase(QStringView text, char16_t first, QStringView prefix)
+bool startsWithIgnoringCase(QStringView text, QStringView prefix)
 {
-    return !text.isEmpty() && (text.front().unicode() | 0x20U) == first
-        && text.startsWith(prefix, Qt::CaseInsensitive);
+    // Programs print it as it is written here; the rest is slow, for it knows every script.
+    return startsWith(text, prefix)
+        || (!text.isEmpty()
+            && (text.front().unicode() | 0x20U) == (prefix.front().unicode() | 0x20U)
+            && text.startsWith(prefix, Qt::CaseInsensitive));
 }
 
 bool isEndPrompt(QStringView line)
 {
-    return startsWithIgnoringCase(line, u'p', u"Press Space Key to end:");
+    return startsWithIgnoringCase(line, u"Press Space Key to end:");
 }
 
+/// Whether @p line has "Failed " in it, in any letter case. No letter of another script is one of
+/// these in another case.
 bool isError(QStringView line)
 {
-    for (; !line.isEmpty(); line = line.mid(1)) {
-        if (startsWithIgnoringCase(line, u'f', u"Failed "))
-            return true;
-    }
-    return false;
+    constexpr QStringView word = u"failed ";
+    const auto isSame = [](QChar c, QChar wanted) {
+        return c == wanted
+            || (wanted != QLatin1Char(' ') && (c.unicode() | 0x20U) == wanted.unicode());
+    };
+    return std::search(line.cbegin(), line.cend(), word.cbegin(), word.cend(), isSame)
+        != line.cend();
 }
 
 std::optional<int> toNumber(QStringView text)
@@ -72,16 +80,17 @@ QStringView tokenValue(QStringView token)
     return parts.next();
 }
 
-std::optional<int> tokenNumber(QStringView token)
+std::optional<int> valueNumber(QStringView value)
 {
-    const QStringView value = tokenValue(token);
     return value.isEmpty() ? std::nullopt : toNumber(value);
 }
 
 /// Takes the number of @p token over into @p number when its label is @p label, colon included.
 bool readNumber(QStringView token, QStringView label, std::optional<int> &number)
 {
-    const std::optional<int> read = startsWith(token, label) ? tokenNumber(token) : std::nullopt;
+    if (!startsWith(token, label))
+        return false;
+    const std::optional<int> read = valueNumber(Pieces(token.mid(label.size()), u':').next());
     if (read)
         number = read;
     return read.has_value();
@@ -132,8 +141,10 @@ void SensorOutputParser::put(QStringView text)
 
 void SensorOutputParser::putNumber(QStringView before, int number, QStringView behind)
 {
+    std::array<char, 16> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     put(before);
-    m_frame.html += QString::number(number);
+    m_frame.html.append(QLatin1String(digits.data(), static_cast<int>(end - digits.data())));
     put(behind);
 }
 
@@ -151,7 +162,7 @@ void SensorOutputParser::parseLine(QStringView line)
     bool closesFace = false;
     if (isError(trimmed)) {
         putErrorCell(trimmed);
-    } else if (startsWithIgnoringCase(trimmed, u'f', u"Face result count:")) {
+    } else if (startsWithIgnoringCase(trimmed, u"Face result count:")) {
         putFaceCountCell(trimmed);
     } else {
         putResultCells(trimmed);
@@ -177,8 +188,8 @@ void SensorOutputParser::putErrorCell(QStringView line)
 
 void SensorOutputParser::putFaceCountCell(QStringView line)
 {
-    const bool isCounted = !tokenValue(line).isEmpty();
-    const bool isNobody = isCounted && tokenNumber(line).value_or(0) < 1;
+    const QStringView count = tokenValue(line);
+    const bool isNobody = !count.isEmpty() && toNumber(count).value_or(0) < 1;
     m_frame.noFace = m_frame.noFace || isNobody;
     put(u"<td><span style=\"color:");
     put(isNobody ? QStringView(u"orange") : QStringView(u"white"));
@@ -195,7 +206,7 @@ void SensorOutputParser::putResultCells(QStringView line)
     if (values.isEmpty())
         return;
 
-    if (startsWithIgnoringCase(line, u'i', u"Index:")) {
+    if (startsWithIgnoringCase(line, u"Index:")) {
         putIndexCells(line, label, values);
         return;
     }
@@ -218,7 +229,7 @@ void SensorOutputParser::putResultCells(QStringView line)
 
 void SensorOutputParser::putIndexCells(QStringView line, QStringView label, QStringView values)
 {
-    const std::optional<int> index = tokenNumber(label);
+    const std::optional<int> index = valueNumber(tokenValue(label));
     if (!index) {
         put(line);
         return;
