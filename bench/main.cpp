@@ -25,6 +25,10 @@ constexpr Measurement Measurements[] = {
     {"P2", &measurePanel},
     {"P3", &measureLog},
     {"P4", &measureDecision},
+    {"P5", &measureGrowth},
+    {"P6", &measurePopulation},
+    {"P7", &measureHeartbeat},
+    {"P8", &measureMemory},
 };
 
 QStringList goalsOf(const Measurement &measurement)
