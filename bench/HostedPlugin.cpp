@@ -69,6 +69,8 @@ void HostedPlugin::enterMessages()
 void HostedPlugin::dropMessages()
 {
     QCoreApplication::processEvents();
+    // Ended slides; outside of an event loop nothing else sends these.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     const QList<QGraphicsItem *> present = messages();
     const QSet<QGraphicsItem *> leaving = m_newest;
     m_newest.clear();
