@@ -117,7 +117,6 @@ private slots:
     void deletionEndsTheProgram();
     void deletionRightAfterTheStart();
     void deletionWhileTheLogIsLocked();
-    void outputThatArrivesInTheDeletion();
     void outputReachesTheLog();
     void visibility_data();
     void visibility();
@@ -616,27 +615,6 @@ void tst_Lifecycle::deletionWhileTheLogIsLocked()
     QCOMPARE(sensorProcessCount(), 0);
     QCOMPARE(plugin.log(), ProcessStarted);
     QVERIFY(QFile::exists(lock));
-}
-
-void tst_Lifecycle::outputThatArrivesInTheDeletion()
-{
-    LoadedPlugin plugin;
-    const QString face = faceLines(0, 100, 25, QStringLiteral("Female"));
-    QVERIFY(writeFile(plugin.path(QStringLiteral("output")), face.toUtf8()));
-    QVERIFY(KrTest::installStandIn(
-        plugin.path(QString()), "wait go\ncopy output\ntouch done\nforever"));
-    plugin.init({{20, 30, QStringLiteral("female"), false}});
-    const QSignalSpy requests(plugin.object(), SIGNAL(contentStarted(int)));
-    QVERIFY(requests.isValid());
-    plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
-    QVERIFY(writeFile(plugin.path(QStringLiteral("go")), {}));
-    const QString done = plugin.path(QStringLiteral("done"));
-    QVERIFY(waitWithoutEvents([&] { return QFile::exists(done); }));
-
-    plugin.destroy();
-    QCOMPARE(requests.size(), 0);
-    QCOMPARE(plugin.log(), QString(ProcessStarted + ProcessStopped));
 }
 
 void tst_Lifecycle::outputReachesTheLog()
