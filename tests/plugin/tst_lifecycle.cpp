@@ -606,7 +606,8 @@ void tst_Lifecycle::deletionWhileTheLogIsLocked()
     QTRY_COMPARE_WITH_TIMEOUT(plugin.log(), ProcessStarted, Patience);
     const QString lock = plugin.takeLogLock();
     int events = 0;
-    QTimer::singleShot(0, this, [&] { ++events; }); // say, the host deletes it once more
+    const QObject host; // its event goes with it
+    QTimer::singleShot(0, &host, [&] { ++events; }); // say, it deletes the plug-in once more
     QElapsedTimer stopwatch;
     stopwatch.start();
     plugin.destroy();
