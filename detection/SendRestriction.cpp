@@ -6,9 +6,9 @@ bool SendRestriction::admit(const QList<int> &identifiers, const QDateTime &now,
 {
     bool admitted = true;
     for (const int identifier : identifiers) {
-        const auto it = m_lastSent.constFind(identifier);
-        if (it == m_lastSent.constEnd() || it->msecsTo(now) >= limitMs)
-            m_lastSent.insert(identifier, now);
+        QDateTime &lastSent = m_lastSent[identifier]; // invalid: never
+        if (!lastSent.isValid() || lastSent.msecsTo(now) >= limitMs)
+            lastSent = now;
         else
             admitted = false;
     }

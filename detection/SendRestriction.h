@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
-#include <QMap>
 
 namespace PluginKrHvcP2 {
 
@@ -16,7 +16,7 @@ public:
     bool admit(const QList<int> &identifiers, const QDateTime &now, int limitMs);
 
 private:
-    QMap<int, QDateTime> m_lastSent; // by identifier
+    QHash<int, QDateTime> m_lastSent; // by identifier
 };
 
 } // namespace PluginKrHvcP2
