@@ -67,6 +67,9 @@ ContentMatch matchContent(const FaceResult &face, const DetectionContents &conte
 QList<CalculatedData> determineSequences(const QList<FaceResult> &faces, QVector<int> sizes,
     QVector<int> directionValues, const DetectionContents &contents)
 {
+    if (faces.isEmpty())
+        return {};
+
     std::sort(sizes.begin(), sizes.end());
     std::sort(directionValues.begin(), directionValues.end());
 

@@ -14,6 +14,7 @@ namespace PluginKrHvcP2 {
 namespace {
 
 constexpr int TypicalHtmlGrowth = 3; // markup of a frame, in multiples of its text
+constexpr int LeastHtmlSize = 128; // of a frame without faces
 constexpr int CertainDigits = 9; // as many always fit into an int
 
 bool contains(QStringView text, char16_t character)
@@ -45,13 +46,18 @@ bool isEndPrompt(QStringView line)
 /// these in another case.
 bool isError(QStringView line)
 {
-    constexpr QStringView word = u"failed ";
-    const auto isSame = [](QChar c, QChar wanted) {
-        return c == wanted
-            || (wanted != QLatin1Char(' ') && (c.unicode() | 0x20U) == wanted.unicode());
-    };
-    return std::search(line.cbegin(), line.cend(), word.cbegin(), word.cend(), isSame)
-        != line.cend();
+    constexpr QStringView word = u"failed";
+    const auto isSame
+        = [](QChar wanted, QChar c) { return (c.unicode() | 0x20U) == wanted.unicode(); };
+    // Blanks are rarer than the word's letters.
+    const QChar *blank = std::find(line.cbegin(), line.cend(), QLatin1Char(' '));
+    while (blank != line.cend()) {
+        if (blank - line.cbegin() >= word.size()
+            && std::equal(word.cbegin(), word.cend(), blank - word.size(), isSame))
+            return true;
+        blank = std::find(blank + 1, line.cend(), QLatin1Char(' '));
+    }
+    return false;
 }
 
 std::optional<int> toNumber(QStringView text)
@@ -106,7 +112,7 @@ bool readConfidence(QStringView token, std::optional<int> &confidence)
 SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &time)
 {
     SensorOutputParser parser(time);
-    parser.m_frame.html.reserve(chunk.size() * TypicalHtmlGrowth);
+    parser.m_frame.html.reserve(chunk.size() * TypicalHtmlGrowth + LeastHtmlSize);
     parser.put(u"<table>");
     Pieces lines(chunk, u'\n');
     for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
@@ -191,9 +197,8 @@ void SensorOutputParser::putFaceCountCell(QStringView line)
     const QStringView count = tokenValue(line);
     const bool isNobody = !count.isEmpty() && toNumber(count).value_or(0) < 1;
     m_frame.noFace = m_frame.noFace || isNobody;
-    put(u"<td><span style=\"color:");
-    put(isNobody ? QStringView(u"orange") : QStringView(u"white"));
-    put(u";\">");
+    put(isNobody ? QStringView(u"<td><span style=\"color:orange;\">")
+                 : QStringView(u"<td><span style=\"color:white;\">"));
     put(line);
     put(u"</span></td>");
 }
