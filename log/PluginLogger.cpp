@@ -245,19 +245,21 @@ PluginLogger::Attempt PluginLogger::tryToWrite(QString &awaitedLock)
     if (!LockFile::take(lockPath, lock))
         return Attempt::Failed;
 
-    cleanUpDaily(current);
-    writeQueue(current, directory);
+    const QDateTime now = m_clock();
+    cleanUpDaily(current, now);
+    writeQueue(current, directory, now);
     QFile::remove(lockPath);
     return Attempt::Written;
 }
 
 /// Nothing here runs an event loop, so the queue does not grow meanwhile.
-void PluginLogger::writeQueue(const LogSettings &settings, const QDir &directory)
+void PluginLogger::writeQueue(
+    const LogSettings &settings, const QDir &directory, const QDateTime &now)
 {
     while (!m_queue.empty()) {
         const Record record = takeRecord(m_queue.begin());
         const bool isWanted = record.outcome != nullptr || !record.isExpired();
-        const bool written = isWanted && appendRecord(settings, directory, record);
+        const bool written = isWanted && appendRecord(settings, directory, now, record);
         if (record.outcome != nullptr)
             *record.outcome = written;
         else if (!written)
@@ -266,9 +268,8 @@ void PluginLogger::writeQueue(const LogSettings &settings, const QDir &directory
 }
 
 bool PluginLogger::appendRecord(
-    const LogSettings &settings, const QDir &directory, const Record &record) const
+    const LogSettings &settings, const QDir &directory, const QDateTime &now, const Record &record)
 {
-    const QDateTime now = m_clock();
     const QString path = directory.absoluteFilePath(
         LogFormat::logFileName(settings.baseName, now.date(), settings.extension));
     if (!isFileOrAbsent(path))
@@ -288,9 +289,8 @@ bool PluginLogger::appendRecord(
     return written && file.error() == QFileDevice::NoError;
 }
 
-void PluginLogger::cleanUpDaily(const LogSettings &settings)
+void PluginLogger::cleanUpDaily(const LogSettings &settings, const QDateTime &now)
 {
-    const QDateTime now = m_clock();
     if (m_lastCleanup.isValid() && m_lastCleanup.date() == now.date())
         return;
     QDir directory(settings.directory);

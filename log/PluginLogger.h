@@ -87,10 +87,10 @@ private:
     void withdraw(const std::optional<bool> *outcome);
     Record takeRecord(const std::deque<Record>::iterator &position);
     Attempt tryToWrite(QString &awaitedLock);
-    void writeQueue(const LogSettings &settings, const QDir &directory);
-    bool appendRecord(
-        const LogSettings &settings, const QDir &directory, const Record &record) const;
-    void cleanUpDaily(const LogSettings &settings);
+    void writeQueue(const LogSettings &settings, const QDir &directory, const QDateTime &now);
+    static bool appendRecord(const LogSettings &settings, const QDir &directory,
+        const QDateTime &now, const Record &record);
+    void cleanUpDaily(const LogSettings &settings, const QDateTime &now);
     void reportLostRecords();
 
     const Clock m_clock;
