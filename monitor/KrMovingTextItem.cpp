@@ -29,6 +29,15 @@ constexpr qreal Margin = 2;
 constexpr char ButtonNameProperty[] = "buttonName";
 constexpr qreal Topmost = std::numeric_limits<double>::max();
 
+std::unique_ptr<OfflineTextDocument> messageDocument()
+{
+    auto document = Private::panelDocument();
+    // On a page of no size nothing is laid out. The message is when it is shown, and then once; a
+    // layout has timers, which must not outlast the panel together with a pending message.
+    document->setPageSize(QSizeF(0, 0));
+    return document;
+}
+
 SlidePath slidePathOf(const KrTextItem_Private &item, const QSizeF &panel)
 {
     const QTextDocument &document = *item.document();
@@ -64,16 +73,16 @@ void KrMovingTextItem::setPlugin(Kora::KrPluginExtScreenInterface *plugin)
 
 void KrMovingTextItem::addText(const QString &text, int direction)
 {
-    TextItem *item = createMessage();
-    item->setPlainText(text);
-    enqueue(item, direction);
+    auto document = messageDocument();
+    document->setPlainText(text);
+    enqueue(std::move(document), direction);
 }
 
 void KrMovingTextItem::addHtml(const QString &html, int direction)
 {
-    TextItem *item = createMessage();
-    item->setHtml(html);
-    enqueue(item, direction);
+    auto document = messageDocument();
+    document->setHtml(html);
+    enqueue(std::move(document), direction);
 }
 
 void KrMovingTextItem::setItemSize(qreal width, qreal height)
@@ -191,17 +200,9 @@ void KrMovingTextItem::addButtons()
     }
 }
 
-KrMovingTextItem::TextItem *KrMovingTextItem::createMessage() const
+void KrMovingTextItem::enqueue(std::unique_ptr<OfflineTextDocument> document, int direction)
 {
-    auto *item = new KrTextItem_Private;
-    // On a page of no size nothing is laid out. The message is when it is shown, and then once; a
-    // layout has timers, which must not outlast the panel together with a pending message.
-    item->document()->setPageSize(QSizeF(0, 0));
-    return item;
-}
-
-void KrMovingTextItem::enqueue(TextItem *item, int direction)
-{
+    auto *item = new KrTextItem_Private(std::move(document));
     item->setDirection(direction);
     {
         const QMutexLocker locker(&m_queueMutex);

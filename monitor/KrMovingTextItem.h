@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
+
 namespace Kora {
 class KrPluginExtScreenInterface;
 }
@@ -18,6 +20,8 @@ namespace PluginKrHvcP2 {
 // moc answers for a base class under the name that the class head gives it, and hosts ask for the
 // unqualified one.
 using Kora::KrPluginGraphicsItem;
+
+class OfflineTextDocument;
 
 namespace Private {
 class KrTextItem_Private;
@@ -61,8 +65,7 @@ private:
     bool hasPlugin() const;
     void addTitle();
     void addButtons();
-    TextItem *createMessage() const;
-    void enqueue(TextItem *item, int direction);
+    void enqueue(std::unique_ptr<OfflineTextDocument> document, int direction);
     TextItem *takePending();
     void enter(TextItem *item);
     void leave(TextItem *item);

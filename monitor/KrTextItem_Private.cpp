@@ -1,7 +1,5 @@
 #include "monitor/KrTextItem_Private.h"
 
-#include "monitor/OfflineTextDocument.h"
-
 #include <QPainter>
 
 namespace PluginKrHvcP2::Private {
@@ -12,6 +10,13 @@ QFont panelFont(int pointSize, int weight)
     return {QString::fromLatin1("Yu Gothic"), pointSize, weight};
 }
 
+std::unique_ptr<OfflineTextDocument> panelDocument()
+{
+    auto document = std::make_unique<OfflineTextDocument>();
+    document->setDefaultFont(panelFont(11));
+    return document;
+}
+
 KrTextItem_Private::KrTextItem_Private(const QString &text, QGraphicsItem *parent)
     : KrTextItem_Private(parent)
 {
@@ -19,11 +24,15 @@ KrTextItem_Private::KrTextItem_Private(const QString &text, QGraphicsItem *paren
 }
 
 KrTextItem_Private::KrTextItem_Private(QGraphicsItem *parent)
+    : KrTextItem_Private(panelDocument(), parent)
+{ }
+
+KrTextItem_Private::KrTextItem_Private(
+    std::unique_ptr<OfflineTextDocument> document, QGraphicsItem *parent)
     : QGraphicsTextItem(parent)
 {
-    auto *document = new OfflineTextDocument(this);
-    document->setDefaultFont(panelFont(11)); // before the item has it laid out
-    setDocument(document);
+    document->setParent(this);
+    setDocument(document.release());
     setDefaultTextColor(Qt::white);
 }
 

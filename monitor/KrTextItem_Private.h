@@ -1,13 +1,20 @@
 #pragma once
 
+#include "monitor/OfflineTextDocument.h"
+
 #include <QColor>
 #include <QFont>
 #include <QGraphicsTextItem>
+
+#include <memory>
 
 namespace PluginKrHvcP2::Private {
 
 /// The font of everything on the panel. Nothing of the application's font gets into it.
 QFont panelFont(int pointSize, int weight = -1);
+
+/// An empty document in that font.
+std::unique_ptr<OfflineTextDocument> panelDocument();
 
 /// A text on the panel: a title, a label or a sliding message, with a background of its own.
 class KrTextItem_Private : public QGraphicsTextItem
@@ -19,6 +26,9 @@ class KrTextItem_Private : public QGraphicsTextItem
 public:
     explicit KrTextItem_Private(const QString &text, QGraphicsItem *parent = nullptr);
     explicit KrTextItem_Private(QGraphicsItem *parent = nullptr);
+    /// Shows @p document as it is.
+    explicit KrTextItem_Private(
+        std::unique_ptr<OfflineTextDocument> document, QGraphicsItem *parent = nullptr);
 
     QColor backgroundColor() const { return m_backgroundColor; }
     Q_INVOKABLE void setBackgroundColor(const QColor &color);
