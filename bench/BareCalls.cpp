@@ -25,6 +25,15 @@ std::unique_ptr<QGraphicsTextItem> bareMessage(const QString &html, qreal width)
     return item;
 }
 
+std::unique_ptr<QGraphicsTextItem> bareText(const QString &text, qreal width)
+{
+    auto item = bareItem();
+    item->setTextWidth(width);
+    item->setPlainText(text);
+    item->document()->size();
+    return item;
+}
+
 QString bareReport(QTextDocument &document, const QString &html)
 {
     document.clear();

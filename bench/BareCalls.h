@@ -17,6 +17,9 @@ std::unique_ptr<QGraphicsTextItem> bareItem();
 /// @p html as a message that is laid out once, for @p width.
 std::unique_ptr<QGraphicsTextItem> bareMessage(const QString &html, qreal width);
 
+/// The same of a plain @p text.
+std::unique_ptr<QGraphicsTextItem> bareText(const QString &text, qreal width);
+
 /// The plain text of @p html by way of @p document.
 QString bareReport(QTextDocument &document, const QString &html);
 

@@ -44,10 +44,11 @@ std::vector<Comparison> run(const Side &ours, const Side &yardstick, int pairs)
         sample(yardstick, yardstickTaken);
     }
 
-    const double whole = median(yardstickTaken.back());
     std::vector<Comparison> comparisons;
-    for (Samples &taken : oursTaken)
-        comparisons.push_back({median(taken), whole});
+    for (std::size_t i = 0; i < oursTaken.size(); ++i) {
+        const std::size_t last = yardstickTaken.size() - 1;
+        comparisons.push_back({median(oursTaken[i]), median(yardstickTaken[std::min(i, last)])});
+    }
     return comparisons;
 }
 

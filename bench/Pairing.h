@@ -28,7 +28,7 @@ constexpr int Runs = 3;
 
 /// Compares @p ours with @p yardstick, which take turns, so that whatever else the machine does
 /// meets both. One comparison for each of our steps, counted from the first step's beginning to
-/// that one's end, against the whole of the yardstick; that of the worst run.
+/// that one's end, against the yardstick's to the same step or its last one; that of the worst run.
 std::vector<Comparison> compare(const Side &ours, const Side &yardstick, int pairs = Pairs);
 
 /// @p work as often as it takes for a clock to measure it.

@@ -42,14 +42,21 @@ void measureFrame(Report &report, int faces, HostedPlugin::Panel panel)
     BareLog log(directory.path());
     QTextDocument document;
     std::unique_ptr<QGraphicsTextItem> message;
+    std::unique_ptr<QGraphicsTextItem> notice;
     const auto bareFrame = [&] {
         message = bareMessage(html, PanelWidth);
         log.write(bareReport(document, html), QStringLiteral("Information"));
-        if (faces > 0) // without one nothing is determined, and nothing said about it
-            log.write(QStringLiteral("The determined sequence number: #1"),
-                QStringLiteral("Information"));
+        log.write(
+            QStringLiteral("The determined sequence number: #1"), QStringLiteral("Information"));
     };
-    const Side bare{{bareFrame}, [&] { message.reset(); }};
+    const auto bareNotice = [&] {
+        if (faces > 0) // without one nothing is started, and nothing said about it
+            notice = bareText(QStringLiteral("A switch to #1 has been sent."), PanelWidth);
+    };
+    const Side bare{{bareFrame, bareNotice}, [&] {
+                        message.reset();
+                        notice.reset();
+                    }};
 
     const std::vector<Comparison> worst = compare(ours, bare);
     const QString shown
