@@ -13,6 +13,7 @@
 class FakePanel : public QObject, public Kora::KrPluginGraphicsItem
 {
     Q_OBJECT
+    Q_INTERFACES(Kora::KrPluginGraphicsItem)
 
 public:
     ~FakePanel() override;
