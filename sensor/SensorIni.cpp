@@ -22,7 +22,7 @@ QString unescaped(const QByteArray &ini)
         QStringLiteral(
             "\\\\x([0-9A-Fa-f]+)|\\\\([0-7]+)|\\\\(?:\r\n|\n\r|.)|\"[ \t]*|\xEF\xBB\xBF"),
         QRegularExpression::DotMatchesEverythingOption);
-    const QString text = QString::fromLatin1(ini);
+    const QString text = QString::fromLatin1(ini.constData(), ini.size()); // beyond a NUL, too
     QString result;
     int end = 0;
     QRegularExpressionMatchIterator matches = pattern.globalMatch(text);

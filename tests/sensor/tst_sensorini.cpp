@@ -142,6 +142,8 @@ void tst_SensorIni::countsAsMissing_data()
     row("in a comment", ";@Variant(" + list);
     row("behind another text", "Name=to@Variant(" + list);
     row("behind a byte order mark", "Name=\xEF\xBB\xBF@Variant(" + list);
+    row("behind a NUL", QByteArray("Name=", 6) + "\nText=@Variant(" + list);
+    row("behind a NUL of its own line", QByteArray("Name=", 6) + "@Variant(" + list);
     row("in quotes", "Name=\"@Variant(\"" + list);
     row("in two pairs of quotes", "Name=\"@Vari\"\"ant(\"" + list);
     row("in quotes and outside", "Name=\"@Vari\" \t ant(" + list);
