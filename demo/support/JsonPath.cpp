@@ -21,7 +21,7 @@ QString keyFromLiteral(const QByteArray &literal)
 {
     if (literal.contains('\\'))
         return QJsonDocument::fromJson('[' + literal + ']').array().at(0).toString();
-    const QString text = QString::fromUtf8(literal);
+    const QString text = QString::fromUtf8(literal.constData(), literal.size()); // keeps NULs
     return text.mid(1, text.size() - 2);
 }
 

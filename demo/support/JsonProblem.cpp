@@ -14,7 +14,8 @@ void JsonProblem::placeAt(const QByteArray &json, int offset)
 {
     const QByteArray before = json.left(offset);
     line = before.count('\n') + 1;
-    column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    const QByteArray lineBefore = before.mid(before.lastIndexOf('\n') + 1);
+    column = QString::fromUtf8(lineBefore.constData(), lineBefore.size()).size() + 1;
 }
 
 QString JsonProblem::text() const

@@ -78,6 +78,8 @@ void tst_JsonReader::place_data()
     row("a key beyond ASCII", "{\"b\": 1, \"\xc3\xa4\": 2}", QStringLiteral("\u00e4"), "1:10");
     row("columns count characters, not bytes", "{\"b\": \"\xc3\xa4\xc3\xb6\", \"a\": 2}", a,
         "1:13");
+    row("a key behind a NUL", QByteArray("{\"b\": \"\0\", \"a\": 2}", 17), a, "1:12");
+    row("a key with a NUL", QByteArray("{\"b\": 1, \"a\0\": 2}", 17), a + QChar(0), "1:10");
     row("of one key twice the last, which counts", R"({"a": 1, "a": 2})", a, "1:10");
     row("a byte order mark is no character", "\xef\xbb\xbf{\"a\": 1}", a, "1:2");
     row("a missing key: the object", R"({"b": {"c": 1}})", QStringLiteral("b.a"), "1:7");
