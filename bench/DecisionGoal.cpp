@@ -1,12 +1,13 @@
 #include "Frames.h"
 #include "Goals.h"
 #include "Report.h"
-#include "SplitVersion.h"
 
 #include "detection/Determination.h"
 #include "detection/SensorOutputParser.h"
+#include "tests/oracle/PlainDecision.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Bench {
 
@@ -16,12 +17,25 @@ namespace {
 
 constexpr int RandomChunks = 5000;
 
-SplitVersion::Outcome decide(
-    const QString &chunk, const QDateTime &time, const DetectionContents &contents)
+struct Outcome
+{
+    QString html;
+    QList<CalculatedData> sequences; // the most prominent viewer first
+};
+
+Outcome decide(const QString &chunk, const QDateTime &time, const DetectionContents &contents)
 {
     const SensorFrame frame = SensorOutputParser::parse(chunk, time);
     return {
         frame.html, determineSequences(frame.faces, frame.sizes, frame.directionValues, contents)};
+}
+
+Outcome decidePlainly(
+    const QString &chunk, const QDateTime &time, const DetectionContents &contents)
+{
+    Oracle::PlainFrame frame = Oracle::parse(chunk, time);
+    const QString html = frame.html;
+    return {html, Oracle::determine(std::move(frame), contents)};
 }
 
 bool isSame(const CalculatedData &a, const CalculatedData &b)
@@ -30,7 +44,7 @@ bool isSame(const CalculatedData &a, const CalculatedData &b)
         && a.seqNumber == b.seqNumber && a.restrictionKeys == b.restrictionKeys && a.time == b.time;
 }
 
-bool isSame(const SplitVersion::Outcome &a, const SplitVersion::Outcome &b)
+bool isSame(const Outcome &a, const Outcome &b)
 {
     return a.html == b.html
         && std::equal(a.sequences.cbegin(), a.sequences.cend(), b.sequences.cbegin(),
@@ -46,7 +60,7 @@ void checkSameOutcome(const QDateTime &time)
     for (int i = 0; i < RandomChunks; ++i) {
         const DetectionContents contents = contentTable(ContentCounts.at(i % ContentCounts.size()));
         const QString text = randomChunk(random);
-        if (!isSame(decide(text, time, contents), SplitVersion::decide(text, time, contents)))
+        if (!isSame(decide(text, time, contents), decidePlainly(text, time, contents)))
             qFatal("P4: the outcomes differ for %s", qUtf8Printable(text));
     }
 }
@@ -67,10 +81,10 @@ void measureDecision(Report &report)
         for (const int faces : FaceCounts) {
             const QString text = chunk(faces);
             const Step ours = [&] { decide(text, time, contents); };
-            const Step split = [&] { SplitVersion::decide(text, time, contents); };
-            const int times = repetitions(split);
+            const Step plain = [&] { decidePlainly(text, time, contents); };
+            const int times = repetitions(plain);
             const Comparison worst
-                = compare({{repeated(ours, times)}, {}}, {{repeated(split, times)}, {}}).front();
+                = compare({{repeated(ours, times)}, {}}, {{repeated(plain, times)}, {}}).front();
             report.addRatio(QStringLiteral("P4"),
                 QStringLiteral("%1, %2 contents").arg(facesText(faces)).arg(contentCount),
                 {worst.ours / times, worst.yardstick / times}, bar(faces));

@@ -1,6 +1,4 @@
-#include "SplitVersion.h"
-
-#include "detection/FaceResult.h"
+#include "tests/oracle/PlainDecision.h"
 
 #include <QStringList>
 #include <QVariantMap>
@@ -9,7 +7,7 @@
 #include <cstdlib>
 #include <limits>
 
-namespace Bench::SplitVersion {
+namespace Oracle {
 
 using namespace PluginKrHvcP2;
 
@@ -22,56 +20,6 @@ constexpr auto SkipEmptyParts = QString::SkipEmptyParts;
 #endif
 
 constexpr int NoDirection = std::numeric_limits<int>::max();
-
-struct Face
-{
-    int index = -1;
-    QDateTime time;
-    QList<FaceResultItem> items;
-
-    void store(int kind, const QVariant &value, int confidence, bool marked)
-    {
-        const FaceResultItem item{kind, value, confidence, marked};
-        for (FaceResultItem &stored : items) {
-            if (stored.kind == kind) {
-                stored = item;
-                return;
-            }
-        }
-        items.append(item);
-    }
-
-    FaceResultItem item(int kind) const
-    {
-        for (const FaceResultItem &stored : items) {
-            if (stored.kind == kind)
-                return stored;
-        }
-        return {};
-    }
-
-    int size() const
-    {
-        return item(FaceResultItem::Detection).value.toMap().value(QStringLiteral("Size")).toInt();
-    }
-
-    int directionValue() const
-    {
-        return item(FaceResultItem::Direction)
-            .value.toMap()
-            .value(QStringLiteral("DirectionValue"), NoDirection)
-            .toInt();
-    }
-};
-
-struct Frame
-{
-    QString html;
-    QList<Face> faces;
-    QList<int> sizes;
-    QList<int> directionValues;
-    Face face; // under construction
-};
 
 int tokenNumber(const QString &token, bool &ok)
 {
@@ -91,20 +39,22 @@ QString errorCell(const QString &line)
         .arg(text);
 }
 
-QString faceCountCell(const QString &line)
+QString faceCountCell(const QString &line, bool &noFace)
 {
     QString colour = QStringLiteral("white");
     const QStringList parts = line.split(QLatin1Char(':'), SkipEmptyParts);
     if (parts.size() >= 2) {
         bool ok = false;
         const int count = parts.at(1).toInt(&ok, 10);
-        if (!ok || count < 1)
+        if (!ok || count < 1) {
             colour = QStringLiteral("orange");
+            noFace = true;
+        }
     }
     return QStringLiteral("<td><span style=\"color:%1;\">%2</span></td>").arg(colour, line);
 }
 
-QString indexCell(const QString &line, const QStringList &fields, Face &face)
+QString indexCell(const QString &line, const QStringList &fields, PlainFace &face)
 {
     bool ok = false;
     const int index = tokenNumber(fields.at(0), ok);
@@ -134,7 +84,7 @@ QString indexCell(const QString &line, const QStringList &fields, Face &face)
         + QStringLiteral("<td>%1 </td>").arg(fields.at(1));
 }
 
-QString ageText(const QString &values, bool marked, Face &face)
+QString ageText(const QString &values, bool marked, PlainFace &face)
 {
     QString text;
     QVariant age;
@@ -158,7 +108,7 @@ QString ageText(const QString &values, bool marked, Face &face)
     return text;
 }
 
-QString genderText(const QString &values, bool marked, Face &face)
+QString genderText(const QString &values, bool marked, PlainFace &face)
 {
     QString text;
     QVariant gender;
@@ -188,7 +138,7 @@ QString genderText(const QString &values, bool marked, Face &face)
     return text;
 }
 
-QString directionText(const QString &values, Face &face)
+QString directionText(const QString &values, PlainFace &face)
 {
     QString text;
     QVariantMap map;
@@ -223,10 +173,12 @@ QString directionText(const QString &values, Face &face)
     return text;
 }
 
-QString resultCells(const QString &line, Face &face)
+QString resultCells(const QString &line, PlainFace &face)
 {
     const QStringList fields = line.split(QLatin1Char('\t'), SkipEmptyParts);
-    if (fields.size() < 2)
+    if (fields.isEmpty())
+        return line;
+    if (fields.size() == 1)
         return {};
     if (line.startsWith(QStringLiteral("Index:"), Qt::CaseInsensitive))
         return indexCell(line, fields, face);
@@ -245,49 +197,15 @@ QString resultCells(const QString &line, Face &face)
         + text + QStringLiteral("</td>");
 }
 
-void closeFace(Frame &frame, const QDateTime &time)
+void commit(const PlainFace &face, PlainFrame &frame)
 {
-    frame.html += QStringLiteral("<tr><td></td></tr>");
-    if (frame.face.index >= 0 && !frame.face.items.isEmpty()) {
-        frame.face.time = time;
-        frame.faces.append(frame.face);
-        frame.sizes.append(frame.face.size());
-        frame.directionValues.append(frame.face.directionValue());
-    }
-    frame.face = {};
-}
-
-Frame parse(const QString &chunk, const QDateTime &time)
-{
-    Frame frame;
-    frame.html = QStringLiteral("<table>");
-    const QStringList lines = chunk.split(QLatin1Char('\n'), SkipEmptyParts);
-    for (const QString &untrimmed : lines) {
-        if (untrimmed.startsWith(QStringLiteral("Press Space Key to end:"), Qt::CaseInsensitive)) {
-            frame.face = {};
-            continue;
-        }
-        const QString line = untrimmed.trimmed();
-        frame.html += QStringLiteral("<tr>");
-        bool closes = false;
-        if (line.contains(QStringLiteral("Failed "), Qt::CaseInsensitive)) {
-            frame.html += errorCell(line);
-        } else if (line.startsWith(QStringLiteral("Face result count:"), Qt::CaseInsensitive)) {
-            frame.html += faceCountCell(line);
-        } else {
-            frame.html += resultCells(line, frame.face);
-            closes = line.startsWith(QStringLiteral("Gender"));
-        }
-        frame.html += QStringLiteral("</tr>");
-        if (closes)
-            closeFace(frame, time);
-    }
-    frame.html += QStringLiteral("</table>");
-    return frame;
+    frame.faces.append(face);
+    frame.sizes.append(face.size());
+    frame.directionValues.append(face.directionValue());
 }
 
 /// Position of the content that fits and the bonus; -1 when none does.
-int matchContent(const Face &face, const DetectionContents &contents, double &bonus)
+int matchContent(const PlainFace &face, const DetectionContents &contents, double &bonus)
 {
     const FaceResultItem age = face.item(FaceResultItem::Age);
     const FaceResultItem gender = face.item(FaceResultItem::Gender);
@@ -314,12 +232,85 @@ int matchContent(const Face &face, const DetectionContents &contents, double &bo
     return defaultFit >= 0 ? defaultFit : ageFit;
 }
 
-QList<CalculatedData> determine(Frame &frame, const DetectionContents &contents)
+} // namespace
+
+void PlainFace::store(int kind, const QVariant &value, int confidence, bool marked)
+{
+    const FaceResultItem item{kind, value, confidence, marked};
+    for (FaceResultItem &stored : items) {
+        if (stored.kind == kind) {
+            stored = item;
+            return;
+        }
+    }
+    items.append(item);
+}
+
+FaceResultItem PlainFace::item(int kind) const
+{
+    for (const FaceResultItem &stored : items) {
+        if (stored.kind == kind)
+            return stored;
+    }
+    return {};
+}
+
+int PlainFace::size() const
+{
+    return item(FaceResultItem::Detection).value.toMap().value(QStringLiteral("Size")).toInt();
+}
+
+int PlainFace::directionValue() const
+{
+    return item(FaceResultItem::Direction)
+        .value.toMap()
+        .value(QStringLiteral("DirectionValue"), NoDirection)
+        .toInt();
+}
+
+PlainFrame parse(const QString &chunk, const QDateTime &time)
+{
+    PlainFrame frame;
+    PlainFace face; // under construction
+    frame.html = QStringLiteral("<table>");
+    const QStringList lines = chunk.split(QLatin1Char('\n'), SkipEmptyParts);
+    for (const QString &untrimmed : lines) {
+        if (untrimmed.startsWith(QStringLiteral("Press Space Key to end:"), Qt::CaseInsensitive)) {
+            face = {};
+            continue;
+        }
+        const QString line = untrimmed.trimmed();
+        frame.html += QStringLiteral("<tr>");
+        bool closes = false;
+        if (line.contains(QStringLiteral("Failed "), Qt::CaseInsensitive)) {
+            frame.html += errorCell(line);
+            frame.errorSeen = true;
+        } else if (line.startsWith(QStringLiteral("Face result count:"), Qt::CaseInsensitive)) {
+            frame.html += faceCountCell(line, frame.noFace);
+        } else {
+            frame.html += resultCells(line, face);
+            closes = line.startsWith(QStringLiteral("Gender"));
+        }
+        frame.html += QStringLiteral("</tr>");
+        if (!closes)
+            continue;
+        frame.html += QStringLiteral("<tr><td></td></tr>");
+        if (face.index >= 0 && !face.items.isEmpty()) {
+            face.time = time;
+            commit(face, frame);
+        }
+        face = {};
+    }
+    frame.html += QStringLiteral("</table>");
+    return frame;
+}
+
+QList<CalculatedData> determine(PlainFrame frame, const DetectionContents &contents)
 {
     std::sort(frame.sizes.begin(), frame.sizes.end());
     std::sort(frame.directionValues.begin(), frame.directionValues.end());
     QList<CalculatedData> sequences;
-    for (const Face &face : qAsConst(frame.faces)) {
+    for (const PlainFace &face : qAsConst(frame.faces)) {
         double bonus = 0;
         const int position = matchContent(face, contents, bonus);
         if (position < 0)
@@ -342,12 +333,4 @@ QList<CalculatedData> determine(Frame &frame, const DetectionContents &contents)
     return sequences;
 }
 
-} // namespace
-
-Outcome decide(const QString &chunk, const QDateTime &time, const DetectionContents &contents)
-{
-    Frame frame = parse(chunk, time);
-    return {frame.html, determine(frame, contents)};
-}
-
-} // namespace Bench::SplitVersion
+} // namespace Oracle
