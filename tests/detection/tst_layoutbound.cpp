@@ -447,7 +447,7 @@ void tst_LayoutBound::plainTextIsBounded()
 
 void tst_LayoutBound::whatIsAdmittedIsLaidOut()
 {
-    const Dictionary dictionary = Dictionary::read(QFINDTESTDATA("../fuzz/qt-html.dict"));
+    const Dictionary dictionary = Dictionary::read(QFINDTESTDATA("../fuzz/markup.dict"));
     QVERIFY(!dictionary.elements.isEmpty() && !dictionary.attributes.isEmpty());
     QVERIFY(!dictionary.properties.isEmpty() && !dictionary.others.isEmpty());
 

@@ -1,16 +1,14 @@
 // The sensor program's text as the plug-in shows and logs it, whatever the bytes are: nothing may
-// crash or take long. Run it with -timeout=5.
+// crash or take long.
+
+#include "tests/fuzz/Target.h"
 
 #include "detection/LayoutBound.h"
 #include "detection/SensorOutputParser.h"
 #include "monitor/KrTextItem_Private.h"
 #include "monitor/OfflineTextDocument.h"
 
-#include <QApplication>
 #include <QDateTime>
-
-#include <cstddef>
-#include <cstdint>
 
 using namespace PluginKrHvcP2;
 
@@ -46,15 +44,7 @@ void showText(const QString &text)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    static const QApplication application(*argc, *argv);
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QString chunk
         = QString::fromUtf8(reinterpret_cast<const char *>(data), static_cast<int>(size));
