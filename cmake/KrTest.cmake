@@ -9,6 +9,7 @@ function(kr_set_test_environment test)
             environment
             "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0:fast_unwind_on_malloc=0"
             "UBSAN_OPTIONS=print_stacktrace=1"
+            "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp"
         )
     endif()
     set_tests_properties(${test} PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")

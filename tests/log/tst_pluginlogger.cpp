@@ -188,6 +188,7 @@ private slots:
     void otherThreadHoldsTheLogger();
     void manyThreads_data();
     void manyThreads();
+    void settingsOfAnotherThread();
     void manyProcesses();
     void withoutApplication();
     void staticDestructor_data();
@@ -921,6 +922,29 @@ void tst_PluginLogger::manyThreads()
         QCOMPARE(written.filter(name), expected);
     }
     QCOMPARE(files(), QStringList{LogName});
+}
+
+void tst_PluginLogger::settingsOfAnotherThread()
+{
+    constexpr int Records = 200;
+    const QStringList names{QStringLiteral("one"), QStringLiteral("two")};
+    std::atomic<bool> isDone{false};
+    std::thread host([&] {
+        for (int turn = 0; !isDone; ++turn) {
+            m_logger->setSettings(settingsFor(path(names.at(turn % names.size()))));
+            QThread::msleep(1); // a mutex is not fair
+        }
+    });
+    const bool written = writeRecords(*m_logger, QStringLiteral("here"), Records);
+    isDone = true;
+    host.join();
+    QVERIFY(written);
+
+    // Every record is whole, wherever it went; the first may have come before the thread.
+    int count = messages(log()).size();
+    for (const QString &name : names)
+        count += messages(readText(path(name + QLatin1Char('/') + LogName))).size();
+    QCOMPARE(count, Records);
 }
 
 void tst_PluginLogger::manyProcesses()
