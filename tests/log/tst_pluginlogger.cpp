@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QTimer>
 #include <QtTest>
 
@@ -152,6 +153,9 @@ private slots:
     void wrappers();
     void appends();
     void bytes();
+    void bytesAreUtf8_data();
+    void bytesAreUtf8();
+    void hugeMessage();
     void currentDirectory();
 
     void missingDirectory();
@@ -161,6 +165,7 @@ private slots:
     void lockAge_data();
     void lockAge();
     void lockAgeIsJudgedOnce();
+    void lockThatIsRenewed();
     void lockVanishes();
     void midnightInTheWait();
     void waitingLetsEventsRun();
@@ -209,6 +214,8 @@ private slots:
     void cleanUpOtherKinds();
     void cleanUpOnceADay();
     void cleanUpAfterTheClockWasSetBack();
+    void cleanUpWhileTheClockIsFarAhead();
+    void cleanUpOfManyFiles();
     void cleanUpNeedsALock();
     void filteredRecordsDoNotCleanUp();
     void defaultDirectoryDoesNotCount();
@@ -346,6 +353,9 @@ void tst_PluginLogger::record_data()
     QTest::newRow("one line with markers")
         << 0 << int(Critical) << QStringLiteral("%1 %2 %3")
         << QStringLiteral("2018-02-01 09:30:00 Critical: %1 %2 %3\n");
+    QTest::newRow("one line with every marker")
+        << 0 << int(Notice) << QStringLiteral("%99 %1%2%3%L1 %%1")
+        << QStringLiteral("2018-02-01 09:30:00 Notice: %99 %1%2%3%L1 %%1\n");
     QTest::newRow("a level without a name")
         << 0 << -3 << QStringLiteral("a") << QStringLiteral("2018-02-01 09:30:00 : a\n");
     QTest::newRow("a block") << 1 << int(Notice) << QStringLiteral("Started.")
@@ -408,6 +418,44 @@ void tst_PluginLogger::bytes()
 #endif
     QCOMPARE(readFile(path(LogName)),
         QByteArray("2018-02-01 09:30:00 Notice: \xE5\xB9\xB4 \xC3\xA4 \xF0\x9F\x98\x80" + lineEnd));
+}
+
+void tst_PluginLogger::bytesAreUtf8_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::newRow("the first half of a pair") << QString(QChar(0xD83D));
+    QTest::newRow("the second half of a pair") << QString(QChar(0xDE00));
+    QTest::newRow("a pair turned round") << QString(QChar(0xDE00)) + QChar(0xD83D);
+    QTest::newRow("half a pair within text")
+        << QString(QChar(0xE4) + QString(QChar(0xD83D)) + QChar(0xE4));
+    QTest::newRow("no characters") << QString(QChar(0xFFFE)) + QChar(0xFFFF);
+    QTest::newRow("a NUL") << QString(3, QChar(0));
+}
+
+void tst_PluginLogger::bytesAreUtf8()
+{
+    QFETCH(QString, message);
+    QVERIFY(write(message));
+    const QByteArray bytes = readFile(path(LogName));
+    QTextCodec::ConverterState state;
+    QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+    QCOMPARE(state.invalidChars, 0);
+    QCOMPARE(state.remainingChars, 0);
+    QVERIFY(bytes.startsWith("2018-02-01 09:30:00 Notice: "));
+    QVERIFY(bytes.endsWith('\n'));
+}
+
+void tst_PluginLogger::hugeMessage()
+{
+    constexpr int Length = 16 * 1024 * 1024;
+    LogSettings settings = m_logger->settings();
+    settings.style = 1;
+    m_logger->setSettings(settings);
+    QVERIFY(write(QString(Length, QLatin1Char('z'))));
+    QVERIFY(write(QStringLiteral("next")));
+    const QString text = log();
+    QCOMPARE(text.count(QLatin1Char('z')), Length);
+    QCOMPARE(text.count(QStringLiteral(" <<\n\n")), 2);
 }
 
 void tst_PluginLogger::currentDirectory()
@@ -493,6 +541,21 @@ void tst_PluginLogger::lockAgeIsJudgedOnce()
     QVERIFY(createLock(29990));
     QTimer::singleShot(20, this, [this] { m_now = m_now.addSecs(60); });
     QVERIFY(!write(QStringLiteral("a"), 2 * ShortTimeoutMs));
+    QCOMPARE(files(), QStringList{LockName});
+}
+
+void tst_PluginLogger::lockThatIsRenewed()
+{
+    QVERIFY(createLock());
+    QTimer owner;
+    int renewals = 0;
+    connect(&owner, &QTimer::timeout, this, [&] {
+        m_now = m_now.addSecs(5);
+        renewals += createLock() ? 1 : 0;
+    });
+    owner.start(10);
+    QVERIFY(!write(QStringLiteral("a"), ShortTimeoutMs));
+    QVERIFY(renewals > 0);
     QCOMPARE(files(), QStringList{LockName});
 }
 
@@ -1198,6 +1261,17 @@ void tst_PluginLogger::cleanUp_data()
     row("an old file of others", "other_20170101.txt", 30, false);
     row("no date", "notes.txt", 30, true);
     row("no valid date", "x_2017011.txt", 30, true);
+    row("a day that no month has", "plugin_20170230.txt", 30, true);
+    row("nines", "plugin_99999999.txt", 30, true);
+    row("zeros", "plugin_00000000.txt", 30, true);
+    row("nothing but a date", "20170101.txt", 30, false);
+    row("a date before the date", "20170101_20180131.txt", 30, true);
+    row("a long name", QByteArray(QByteArray(200, 'x') + "_20170101.txt").constData(), 30, false);
+#ifdef Q_OS_UNIX // no file of Windows has one
+    row("a line feed in the name", "x\n_20170101.txt", 30, false);
+    row("a line feed in the date", "x_2017\n0101.txt", 30, true);
+    row("wildcards", "*?[a]_20170101.txt", 30, false);
+#endif
     row("another extension", "plugin_20170101.log", 30, true);
     row("a lock file with a date", "plugin_20170101.lock", 30, true);
     row("yesterday's, kept a day", "plugin_20180131.txt", 1, true);
@@ -1262,6 +1336,43 @@ void tst_PluginLogger::cleanUpAfterTheClockWasSetBack()
     QVERIFY(write(QStringLiteral("c")));
     QVERIFY(!QFile::exists(old)); // another date than that of the last time
     QCOMPARE(messages(log()), QStringList({QStringLiteral("a"), QStringLiteral("c")}));
+}
+
+void tst_PluginLogger::cleanUpWhileTheClockIsFarAhead()
+{
+    // What is yesterday's then goes; no record can tell that the clock is wrong.
+    const QString old = path(QStringLiteral("plugin_20280101.txt"));
+    const QDateTime before = m_now;
+    QVERIFY(write(QStringLiteral("a")));
+    m_now = m_now.addYears(10);
+    QVERIFY(write(QStringLiteral("b")));
+    QCOMPARE(files(), QStringList{QStringLiteral("plugin_20280201.txt")});
+    QVERIFY(writeFile(old));
+    m_now = m_now.addSecs(60);
+    QVERIFY(write(QStringLiteral("c")));
+    QVERIFY(QFile::exists(old)); // once a day
+
+    m_now = before.addSecs(60);
+    QVERIFY(write(QStringLiteral("d")));
+    QCOMPARE(messages(log()), QStringList{QStringLiteral("d")});
+    QCOMPARE(files(),
+        QStringList({LogName, QStringLiteral("plugin_20280101.txt"),
+            QStringLiteral("plugin_20280201.txt")}));
+}
+
+void tst_PluginLogger::cleanUpOfManyFiles()
+{
+    constexpr int Files = 5000;
+    for (int number = 0; number < Files; ++number) {
+        const QString name
+            = number % 2 == 0 ? QStringLiteral("x%1_20170101.txt") : QStringLiteral("x%1.txt");
+        QVERIFY(writeFile(path(name.arg(number))));
+    }
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QVERIFY(write(QStringLiteral("a")));
+    QVERIFY(stopwatch.elapsed() < AtOnceMs);
+    QCOMPARE(files().size(), Files / 2 + 1);
 }
 
 void tst_PluginLogger::cleanUpNeedsALock()

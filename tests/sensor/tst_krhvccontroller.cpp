@@ -46,7 +46,9 @@ private slots:
     void failedStartsLeaveNothingOpen();
     void crash_data();
     void crash();
+    void crashesLeaveNothingBehind();
     void normalEnd();
+    void twoControllersTakeTurns();
 
     void stopWithoutProcess();
     void stopOfAProgram_data();
@@ -300,6 +302,16 @@ void tst_KrHvcController::output_data()
     QTest::newRow("bytes that are no text") << QByteArray("a\xff"
                                                           "b")
                                             << QStringLiteral("a\ufffdb");
+    QTest::newRow("a byte order mark at the front goes") << QByteArray("\xef\xbb\xbf"
+                                                                       "a\xef\xbb\xbf"
+                                                                       "b")
+                                                         << QStringLiteral("a\ufeffb");
+    QTest::newRow("each byte of a letter that is too long") << QByteArray("a\xc0\xaf"
+                                                                          "b")
+                                                            << QStringLiteral("a\ufffd\ufffdb");
+    QTest::newRow("each byte of half a pair") << QByteArray("a\xed\xa0\x80"
+                                                            "b")
+                                              << QStringLiteral("a\ufffd\ufffd\ufffdb");
     QTest::newRow("the text behind a NUL is kept")
         << QByteArray("ab\0cd", 5) << QString::fromUtf8("ab\0cd", 5);
     QTest::newRow("place markers stay") << QByteArray("%1 %2 %%") << QStringLiteral("%1 %2 %%");
@@ -513,6 +525,28 @@ void tst_KrHvcController::crash()
     QCOMPARE(watched.log, log); // said once, by one of the two error signals
 }
 
+void tst_KrHvcController::crashesLeaveNothingBehind()
+{
+    constexpr int Crashes = 100;
+    const SensorDirectory directory;
+    QVERIFY(directory.install("crash abort"));
+    const WatchedController watched(directory.path());
+    int handles = 0;
+    for (int count = 1; count <= Crashes; ++count) {
+        QVERIFY(QMetaObject::invokeMethod(watched.controller, "startProcess"));
+        QTRY_COMPARE_WITH_TIMEOUT(watched.log.size(), 2 * count, Patience);
+        QCOMPARE(watched.log.last(), ErrorStart + QLatin1String("Crashed."));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            watched->findChild<QProcess *>()->state(), QProcess::NotRunning, Patience);
+        if (count == 1)
+            handles = openHandles();
+    }
+    QCOMPARE(openHandles(), handles);
+    QCOMPARE(directory.startedCopies().size(), Crashes);
+    QCOMPARE(watched->findChildren<QProcess *>().size(), 1);
+    QCOMPARE(sensorProcessCount(), 0);
+}
+
 void tst_KrHvcController::normalEnd()
 {
     // Not an error, whatever it returns.
@@ -531,6 +565,47 @@ void tst_KrHvcController::normalEnd()
         QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, Patience);
         QCOMPARE(process->exitCode(), status.toInt());
         QCOMPARE(watched.log, QStringList{QStringLiteral("started")});
+    }
+}
+
+void tst_KrHvcController::twoControllersTakeTurns()
+{
+    // As two hosts on one machine do.
+    const SensorDirectory directory;
+    const SensorDirectory directoryToo;
+    for (const SensorDirectory *one : {&directory, &directoryToo})
+        QVERIFY(one->install(StandIn::IgnoresEverything));
+    const WatchedController first(directory.path());
+    const WatchedController second(directoryToo.path());
+    const QStringList running{QStringLiteral("started"), QStringLiteral("data: ready")};
+    first->start();
+    QTRY_COMPARE_WITH_TIMEOUT(first.log, running, Patience);
+
+#ifdef Q_OS_WIN
+    const QStringList ended; // its exit code says that it was ended on purpose
+#else
+    const QStringList ended{ErrorStart + QLatin1String("Crashed.")};
+#endif
+    QStringList expectedOfFirst = running;
+    QStringList expectedOfSecond;
+    for (int turn = 0; turn < 4; ++turn) {
+        const bool isSeconds = turn % 2 == 0;
+        const WatchedController &taker = isSeconds ? second : first;
+        const WatchedController &loser = isSeconds ? first : second;
+        (isSeconds ? expectedOfFirst : expectedOfSecond) << ended;
+        (isSeconds ? expectedOfSecond : expectedOfFirst) << running;
+
+        // Only the ending is scheduled.
+        QVERIFY(QMetaObject::invokeMethod(taker.controller, "startProcess"));
+        QVERIFY(taker->findChildren<QProcess *>().isEmpty());
+        QTest::qWait(50);
+        QCOMPARE(loser->findChild<QProcess *>()->state(), QProcess::Running);
+
+        // 5 s later.
+        QVERIFY(QMetaObject::invokeMethod(taker.controller, "killAndStartProcess"));
+        QTRY_COMPARE_WITH_TIMEOUT(first.log, expectedOfFirst, Patience);
+        QTRY_COMPARE_WITH_TIMEOUT(second.log, expectedOfSecond, Patience);
+        QCOMPARE(directory.livingCopies().size() + directoryToo.livingCopies().size(), 1);
     }
 }
 

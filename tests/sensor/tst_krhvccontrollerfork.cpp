@@ -1,16 +1,11 @@
 #include "ControllerFixture.h"
+#include "tests/support/OwnNamespaces_linux.h"
+#include "tests/support/RefusedCalls_linux.h"
 
 #include <QtTest>
 
-#include <vector>
-
 #include <cerrno>
 #include <csignal>
-#include <cstddef>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,62 +14,27 @@ using PluginKrHvcP2::KrHvcController;
 
 namespace {
 
-const QByteArray OwnIdsMark = "KRHVC_OWN_PROCESS_IDS";
-
-/// True in the program that runInOwnIds() has started: there is nobody else's process to be ended.
+/// True in the program that was started once more: there is nobody else's process to be ended.
 bool hasOwnIds()
 {
-    return qEnvironmentVariableIsSet(OwnIdsMark.constData()) && ::getpid() == 1;
-}
-
-/// Runs the program once more as the first process of a namespace of process ids. Does not return,
-/// unless the system does not let it.
-void runInOwnIds(char *argv[])
-{
-    QStringList options{QStringLiteral("--pid"), QStringLiteral("--fork"),
-        QStringLiteral("--kill-child"), QStringLiteral("--mount-proc")};
-    if (::geteuid() != 0)
-        options << QStringLiteral("--user") << QStringLiteral("--map-root-user");
-    if (QProcess::execute(QStringLiteral("unshare"), options + QStringList(QStringLiteral("true")))
-        != 0)
-        return;
-
-    std::vector<QByteArray> words{"unshare"};
-    for (const QString &option : qAsConst(options))
-        words.push_back(option.toLocal8Bit());
-    words.push_back(QFile::encodeName(QCoreApplication::applicationFilePath()));
-    std::vector<char *> arguments;
-    for (QByteArray &word : words)
-        arguments.push_back(word.data());
-    for (char **argument = argv + 1; *argument != nullptr; ++argument)
-        arguments.push_back(*argument);
-    arguments.push_back(nullptr);
-    qputenv(OwnIdsMark.constData(), "1");
-    ::execvp(arguments.front(), arguments.data());
+    return isInOwnNamespaces() && ::getpid() == 1;
 }
 
 /// From now on this thread can make no process. False when the system does not know how.
 bool refuseProcesses()
 {
-    constexpr auto number = static_cast<__u32>(offsetof(seccomp_data, nr));
-    std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, number)};
-    for (const long call : {
-             long(SYS_clone),
+    return refuseCalls(
+        {
+            SYS_clone,
 #ifdef SYS_clone3
-             long(SYS_clone3),
+            SYS_clone3,
 #endif
 #ifdef SYS_fork
-             long(SYS_fork),
-             long(SYS_vfork),
+            SYS_fork,
+            SYS_vfork,
 #endif
-         }) {
-        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<__u32>(call), 0, 1));
-        filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EAGAIN));
-    }
-    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
-    const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
-        && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+        },
+        EAGAIN);
 }
 
 /// Somebody else's process of the same user.
@@ -185,8 +145,11 @@ void tst_KrHvcControllerFork::refusedStartIsTriedAgain()
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
-    if (!hasOwnIds())
-        runInOwnIds(argv);
+    if (!hasOwnIds()) {
+        runInOwnNamespaces({QStringLiteral("--pid"), QStringLiteral("--fork"),
+                               QStringLiteral("--kill-child"), QStringLiteral("--mount-proc")},
+            argv);
+    }
     tst_KrHvcControllerFork test;
     return QTest::qExec(&test, argc, argv);
 }

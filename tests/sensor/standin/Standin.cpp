@@ -8,6 +8,7 @@
 //     arguments          prints its arguments: <3><921600><500>
 //     note-arguments FILE  adds a line with its arguments to FILE
 //     say TEXT           prints TEXT
+//     line MIB           prints so many MiB without a line end
 //     copy FILE          prints what FILE holds; copy-error FILE does so on standard error
 //     key                waits for one byte
 //     note-key FILE      waits for one byte and writes it to FILE
@@ -97,6 +98,8 @@ private:
             noteArguments(value);
         else if (command == "say")
             say(value);
+        else if (command == "line")
+            line(std::stoi(value));
         else if (command == "copy")
             copy(value, 1);
         else if (command == "copy-error")
@@ -138,6 +141,13 @@ private:
     }
 
     static void say(const std::string &text) { Platform::write(1, text.data(), text.size()); }
+
+    static void line(int mebibytes)
+    {
+        const std::string mebibyte(std::size_t{1024} * 1024, 'x');
+        for (int i = 0; i < mebibytes; ++i)
+            say(mebibyte);
+    }
 
     void append(const std::string &name, const std::string &text) const
     {
