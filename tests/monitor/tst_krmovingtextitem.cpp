@@ -189,6 +189,7 @@ private slots:
     void clicks_data();
     void clicks();
     void doubleClick();
+    void manyClicksOnTwoPanels();
     void buttonNames_data();
     void buttonNames();
     void buttonWithoutPlugin();
@@ -965,6 +966,30 @@ void tst_KrMovingTextItem::doubleClick()
     }
     const QString call = QStringLiteral("requestSequenceNumber(7)");
     QCOMPARE(on.plugin.calls, QStringList({call, call}));
+}
+
+void tst_KrMovingTextItem::manyClicksOnTwoPanels()
+{
+    constexpr int Clicks = 300; // on each
+    PanelView first;
+    PanelView second;
+    QVERIFY(first.isReady() && second.isReady());
+    const QStringList names{QStringLiteral("start"), QStringLiteral("stop"), QStringLiteral("#20")};
+    for (int click = 0; click < Clicks; ++click) {
+        first.click(names.at(click % names.size()));
+        second.click(names.at((click + 1) % names.size()));
+        QTest::qWait(1);
+    }
+    // One click, one request.
+    for (const PanelView *on : {&first, &second}) {
+        QCOMPARE(on->plugin.calls.size(), Clicks);
+        for (const char *call : {"start()", "stop()", "requestSequenceNumber(20)"})
+            QCOMPARE(on->plugin.calls.count(QString::fromLatin1(call)), Clicks / names.size());
+    }
+    // None piles up: all that a click has set going is over soon after it.
+    QTRY_VERIFY(first.panel->findChildren<QAbstractAnimation *>().isEmpty());
+    QTRY_VERIFY(second.panel->findChildren<QAbstractAnimation *>().isEmpty());
+    QVERIFY(messagesOf(*first.panel).isEmpty());
 }
 
 void tst_KrMovingTextItem::buttonNames_data()

@@ -1,5 +1,6 @@
 #include "PluginFixture.h"
 #include "tests/support/Files.h"
+#include "tests/support/OwnProcess.h"
 #include "tests/support/SensorProgram.h"
 #include "tests/support/Waiting.h"
 
@@ -21,6 +22,8 @@ using namespace KrTest;
 using namespace PluginTest;
 
 namespace {
+
+constexpr qint64 MebiByte = 1024 * 1024;
 
 const QString Initialized = QStringLiteral("KrHvcP2 Plugin initialized.");
 const QString StartFailed = QStringLiteral("Start failed. You should call init() before start.");
@@ -118,6 +121,8 @@ private slots:
     void deletionRightAfterTheStart();
     void deletionWhileTheLogIsLocked();
     void outputReachesTheLog();
+    void floodOfOutput();
+    void longLineOfOutput();
     void visibility_data();
     void visibility();
     void visibilityChangesWithInitOnly();
@@ -639,6 +644,54 @@ void tst_Lifecycle::outputReachesTheLog()
     QTRY_COMPARE(panel.statusHtml(),
         QStringList(rendered(QStringList({Initialized, StartingLine, StartedLine}))
             << PluginTest::rendered(table(row))));
+}
+
+void tst_Lifecycle::floodOfOutput()
+{
+    LoadedPlugin plugin;
+    QVERIFY(KrTest::installStandIn(plugin.path(QString()), "flood"));
+    Item *panel = plugin->graphicsItem();
+    const int atRest = panel->childItems().size() + 1; // with one message
+    plugin->init();
+    const qint64 before = residentMemory();
+    plugin->start();
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 1, Patience);
+    QTest::qWait(1000);
+
+    // It can be stopped by hand, and leaves nothing behind.
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    QVERIFY(click(panel, QStringLiteral("stop")));
+    QCOMPARE(plugin->status(), 100);
+    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
+    QVERIFY(stopwatch.elapsed() < 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(panel->childItems().size(), atRest, Patience);
+    const qint64 growth = residentMemory() - before;
+    QVERIFY2(growth < 32 * MebiByte, QByteArray::number(growth).constData());
+}
+
+void tst_Lifecycle::longLineOfOutput()
+{
+    LoadedPlugin plugin;
+    QVERIFY(writeFile(plugin.path(QStringLiteral("frame")),
+        '\n' + faceLines(0, 100, 25, QStringLiteral("Male")).toUtf8()));
+    QVERIFY(KrTest::installStandIn(
+        plugin.path(QString()), "line 16\ntouch done\nwait go\ncopy frame\nkey"));
+    Item *panel = plugin->graphicsItem();
+    const int atRest = panel->childItems().size() + 1; // with one message
+    const QSignalSpy spy(plugin.object(), SIGNAL(contentStarted(int)));
+    plugin.init({{20, 30, QStringLiteral("both"), true}}, settings(1, 0));
+    const qint64 before = residentMemory();
+    plugin->start();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(plugin.path(QStringLiteral("done"))), Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(panel->childItems().size(), atRest, Patience);
+    const qint64 growth = residentMemory() - before;
+    QVERIFY2(growth < 16 * MebiByte, QByteArray::number(growth).constData());
+
+    // The next frame counts.
+    QVERIFY(spy.isEmpty());
+    QVERIFY(writeFile(plugin.path(QStringLiteral("go"))));
+    QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 1, Patience);
 }
 
 void tst_Lifecycle::visibility_data()

@@ -1,9 +1,12 @@
 #include "PluginFixture.h"
 #include "tests/support/TimeZone.h"
+#include "tests/support/Waiting.h"
 
+#include <QAbstractAnimation>
 #include <QApplication>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QGraphicsTextItem>
 #include <QMetaType>
 #include <QSignalSpy>
 #include <QTest>
@@ -11,6 +14,7 @@
 
 #include <functional>
 #include <limits>
+#include <stdexcept>
 
 using namespace KrTest;
 using namespace PluginTest;
@@ -145,6 +149,18 @@ private:
     std::function<void(int)> m_reaction;
 };
 
+/// A host that does something when the plug-in hands it a message for its log.
+class LogHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    std::function<void()> reaction;
+
+public slots:
+    void onMessage() { reaction(); }
+};
+
 Q_DECLARE_METATYPE(std::function<void(LoadedPlugin &)>)
 
 class tst_Requests : public QObject
@@ -171,6 +187,8 @@ private slots:
     void unboundedMarkup();
     void longWord();
     void aFaceCutInTwoIsLost();
+    void manySmallChunks();
+    void failuresKeepTheirOrder();
     void resultsByName_data();
     void resultsByName();
     void levelByName_data();
@@ -185,7 +203,10 @@ private slots:
     void putOffResultsAreForgotten_data();
     void putOffResultsAreForgotten();
     void requestByHandInsideTheHost();
+    void hostThrows_data();
+    void hostThrows();
     void hostDeletesThePlugin();
+    void hostDeletesThePluginInALogMessage();
     void hostDeletesThePanel();
     void hostInitializesAnew();
     void releasedPanelGetsNothingMore();
@@ -197,6 +218,7 @@ private slots:
     void stopWhileTheLogWaits();
     void pluginDeletedWhileTheLogWaits();
     void panelDeletedWhileTheLogWaits();
+    void panelMovesWhileTheLogWaits();
 };
 
 void tst_Requests::invalidNumber_data()
@@ -572,6 +594,57 @@ void tst_Requests::aFaceCutInTwoIsLost()
     QCOMPARE(indexes(spy), QList<int>({1})); // the second face is whole
 }
 
+void tst_Requests::manySmallChunks()
+{
+    constexpr int Chunks = 2000;
+    LoadedPlugin plugin;
+    const auto shown = [&plugin] { return plugin->graphicsItem()->childItems().size(); };
+    const int atRest = shown();
+    const QObject *panel = dynamic_cast<QObject *>(plugin->graphicsItem());
+    for (int i = 0; i < Chunks; ++i)
+        QVERIFY(plugin.receive(QStringLiteral("x")));
+    // Each is a message; the last one stays, and nothing of all others.
+    QTRY_VERIFY_WITH_TIMEOUT(shown() > atRest + 1, Patience);
+    QTRY_COMPARE_WITH_TIMEOUT(shown(), atRest + 1, Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(panel->findChildren<QAbstractAnimation *>().isEmpty(), Patience);
+    QCOMPARE(plugin.log(), record(QStringLiteral("Information"), QString()).repeated(Chunks));
+}
+
+void tst_Requests::failuresKeepTheirOrder()
+{
+    constexpr int Failures = 300;
+    LoadedPlugin plugin;
+    QString expected;
+    for (int number = 1; number <= Failures; ++number) {
+        expected += record(QStringLiteral("Error"), QStringLiteral("Failed at %1").arg(number));
+    }
+
+    // Two thirds of them arrive while the first one waits for the log.
+    const QString lock = plugin.takeLogLock();
+    int count = 0;
+    int depth = 0;
+    int deepest = 0;
+    const auto failOnce = [&] {
+        deepest = qMax(deepest, ++depth);
+        plugin.receive(QStringLiteral("Failed at %1\n").arg(++count));
+        --depth;
+    };
+    QTimer sensor;
+    connect(&sensor, &QTimer::timeout, plugin.object(), [&] {
+        for (int i = 0; i < 10; ++i)
+            failOnce();
+        if (count > Failures * 2 / 3)
+            QFile::remove(lock);
+    });
+    sensor.start(1);
+    failOnce();
+    sensor.stop();
+    while (count < Failures)
+        failOnce();
+    QCOMPARE(deepest, 2); // the one that waits, and one at a time
+    QCOMPARE(plugin.log(), expected);
+}
+
 void tst_Requests::resultsByName_data()
 {
     QTest::addColumn<int>("connection");
@@ -814,6 +887,43 @@ void tst_Requests::requestByHandInsideTheHost()
     QCOMPARE(plugin->currentSequenceIndex(), 3);
 }
 
+void tst_Requests::hostThrows_data()
+{
+    QTest::addColumn<bool>("byHand");
+    QTest::newRow("for a viewer") << false;
+    QTest::newRow("for a request by hand") << true;
+}
+
+void tst_Requests::hostThrows()
+{
+    QFETCH(bool, byHand);
+#ifdef Q_OS_WIN
+    QSKIP("whether an exception leaves a library depends on how each was built");
+#endif
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, 0));
+    bool isCareless = true;
+    const Host host(plugin, [&](int) {
+        if (isCareless)
+            throw std::runtime_error("the host's own fault");
+    });
+    const auto request = [&] {
+        if (byHand)
+            plugin->requestSequenceNumber(1);
+        else
+            plugin.receive(lines(QStringLiteral("w")));
+    };
+    QVERIFY_EXCEPTION_THROWN(request(), std::runtime_error);
+
+    // It goes on as before, and no lock is held.
+    isCareless = false;
+    request();
+    QVERIFY(plugin.receive(lines(QStringLiteral("m"))));
+    QCOMPARE(host.requests, QList<int>({0, 0, 1}));
+    QVERIFY(plugin.log().endsWith(
+        reportRecord(rows(QStringLiteral("m"))) + determinedRecord(QStringLiteral(" #2"))));
+}
+
 void tst_Requests::hostDeletesThePlugin()
 {
     LoadedPlugin plugin;
@@ -824,6 +934,19 @@ void tst_Requests::hostDeletesThePlugin()
     QVERIFY(object.isNull());
     QCOMPARE(host.requests, QList<int>({2}));
     QVERIFY(plugin.log().startsWith(reportRecord(rows(QStringLiteral("wmo")))));
+}
+
+void tst_Requests::hostDeletesThePluginInALogMessage()
+{
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, 0));
+    LogHost host;
+    connect(plugin.object(), SIGNAL(throwLogMessage(QString, int)), &host, SLOT(onMessage()));
+    host.reaction = [&plugin] { plugin.destroy(); };
+    const int level = 3;
+    QVERIFY(QMetaObject::invokeMethod(plugin.object(), "sendLogMessage",
+        Q_ARG(QString, QStringLiteral("a")), QGenericArgument("LogDivision", &level)));
+    QVERIFY(plugin.object() == nullptr);
 }
 
 void tst_Requests::hostDeletesThePanel()
@@ -1015,6 +1138,31 @@ void tst_Requests::panelDeletedWhileTheLogWaits()
     QCOMPARE(host.requests, QList<int>({0}));
     QCOMPARE(plugin.log(),
         QString(reportRecord(rows(QStringLiteral("w"))) + determinedRecord(QStringLiteral(" #1"))));
+}
+
+void tst_Requests::panelMovesWhileTheLogWaits()
+{
+    LoadedPlugin plugin;
+    plugin.init(FourContents, settings(1, 0));
+    const Item *panel = plugin->graphicsItem();
+    const QString lock = plugin.takeLogLock();
+    QVector<QPointF> positions; // of the frame's message while its record waits
+    QTimer eye;
+    connect(&eye, &QTimer::timeout, &eye, [&] {
+        const QList<QGraphicsItem *> items = panel->childItems();
+        for (const QGraphicsItem *item : items) {
+            const auto *text = dynamic_cast<const QGraphicsTextItem *>(item);
+            if (text != nullptr && text->toPlainText().contains(QStringLiteral("Index:0"))
+                && !positions.contains(text->pos()))
+                positions.append(text->pos());
+        }
+        if (positions.size() >= 3)
+            QFile::remove(lock);
+    });
+    eye.start(5);
+    QVERIFY(plugin.receive(lines(QStringLiteral("w"))));
+    QVERIFY(positions.size() >= 3);
+    QVERIFY(plugin.log().startsWith(reportRecord(rows(QStringLiteral("w")))));
 }
 
 QTEST_MAIN(tst_Requests)

@@ -11,6 +11,10 @@ int openHandles();
 /// Processor time that this process has used.
 double processorSeconds();
 
+/// Bytes of this process that are in the machine's memory; 0 under a sanitizer that keeps what was
+/// freed.
+qint64 residentMemory();
+
 /// True while the library lies in this process's memory. @p fileName is absolute.
 bool isMapped(const QString &fileName);
 

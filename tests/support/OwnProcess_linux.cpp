@@ -1,10 +1,13 @@
 #include "tests/support/OwnProcess.h"
 
+#include <QByteArrayList>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <ctime>
+
+#include <unistd.h>
 
 namespace KrTest {
 
@@ -18,6 +21,18 @@ int openHandles()
 double processorSeconds()
 {
     return double(std::clock()) / CLOCKS_PER_SEC;
+}
+
+qint64 residentMemory()
+{
+#ifdef KRHVC_KEEPS_FREED_MEMORY
+    return 0;
+#else
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
+#endif
 }
 
 bool isMapped(const QString &fileName)

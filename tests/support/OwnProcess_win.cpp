@@ -11,6 +11,8 @@
 #endif
 #include <windows.h>
 
+#include <psapi.h>
+
 namespace KrTest {
 
 int openHandles()
@@ -41,6 +43,14 @@ double processorSeconds()
         return double((std::uint64_t(time.dwHighDateTime) << 32U) | time.dwLowDateTime);
     };
     return (ticks(kernel) + ticks(user)) * unit;
+}
+
+qint64 residentMemory()
+{
+    PROCESS_MEMORY_COUNTERS counters = {};
+    if (GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters)) == FALSE)
+        return 0;
+    return static_cast<qint64>(counters.WorkingSetSize);
 }
 
 bool isMapped(const QString &fileName)
