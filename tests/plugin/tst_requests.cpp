@@ -199,6 +199,8 @@ private slots:
     void screenValuesUpdatedReadsTheSettingsAgain();
     void initKeepsTheSettings();
     void contentsTakeEffectWithInit();
+    void strangeScreens_data();
+    void strangeScreens();
     void newestResultsRunAfterTheHostReturns();
     void putOffResultsAreForgotten_data();
     void putOffResultsAreForgotten();
@@ -822,6 +824,52 @@ void tst_Requests::contentsTakeEffectWithInit()
     plugin->init();
     plugin->requestSequenceIndex(0);
     QCOMPARE(indexes(spy), QList<int>({0}));
+}
+
+/// A map in a list in a map...
+static QVariant nested(int depth)
+{
+    QVariant value;
+    for (int i = 0; i < depth; ++i)
+        value = QVariantMap{
+            {QStringLiteral("contents"), QVariantList{value}}, {QStringLiteral("params"), value}};
+    return value;
+}
+
+void tst_Requests::strangeScreens_data()
+{
+    QTest::addColumn<QVariant>("data");
+
+    const auto contents = [](const QVariant &value) -> QVariant {
+        return QVariantMap{{QStringLiteral("id"), ScreenId}, {QStringLiteral("contents"), value}};
+    };
+    QTest::newRow("nothing") << QVariant();
+    QTest::newRow("a text") << QVariant(QStringLiteral("contents"));
+    QTest::newRow("a list") << QVariant(QVariantList{1, 2});
+    QTest::newRow("maps in maps") << nested(1000);
+    QTest::newRow("contents that are a number") << contents(7);
+    QTest::newRow("contents that are nothing") << contents(QVariantList{{}, {}, {}});
+    QTest::newRow("contents in contents") << contents(QVariantList{nested(1000)});
+    QTest::newRow("params of another type")
+        << contents(QVariantList{QVariantMap{{QStringLiteral("params"), 1e30}}});
+}
+
+void tst_Requests::strangeScreens()
+{
+    QFETCH(QVariant, data);
+    LoadedPlugin plugin;
+    const Host host(plugin, [](int) {});
+    plugin->setStage(linkedStage({{11, {1}}}));
+    plugin->setPluginData(data);
+    QVERIFY(plugin->init());
+    QVERIFY(QMetaObject::invokeMethod(
+        plugin.object(), "onScreenValuesUpdated", Q_ARG(int, 0), Q_ARG(QList<int>, QList<int>())));
+    QVERIFY(plugin.receive(lines(QStringLiteral("wmo"))));
+    plugin->requestSequenceNumber(1);
+    QCOMPARE(host.requests, QList<int>());
+    for (const int index : {-1, 20, std::numeric_limits<int>::max()})
+        QVERIFY(plugin->contentProperties(index).isEmpty());
+    QVERIFY(plugin.log().startsWith(reportRecord(rows(QStringLiteral("wmo")))));
 }
 
 void tst_Requests::newestResultsRunAfterTheHostReturns()

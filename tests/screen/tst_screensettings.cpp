@@ -86,6 +86,8 @@ private slots:
     void update();
     void updateKeepsWhatIsRefused();
     void updateIsIdempotent();
+    void strangeValues_data();
+    void strangeValues();
     void stored_data();
     void stored();
     void newScreen();
@@ -271,6 +273,52 @@ void tst_ScreenSettings::updateIsIdempotent()
     ScreenSettings settings = changedSettings();
     settings.update(settings.toMap());
     QCOMPARE(settings.toMap(), changedSettings().toMap());
+}
+
+/// A list in a list in a list...
+static QVariant nestedList(int depth)
+{
+    QVariant value;
+    for (int i = 0; i < depth; ++i)
+        value = QVariantList{value};
+    return value;
+}
+
+void tst_ScreenSettings::strangeValues_data()
+{
+    QTest::addColumn<QVariant>("value");
+    // What QVariant makes of the numbers depends on the machine.
+    QTest::newRow("not a number") << QVariant(std::numeric_limits<double>::quiet_NaN());
+    QTest::newRow("infinity") << QVariant(std::numeric_limits<double>::infinity());
+    QTest::newRow("a number beyond all integers") << QVariant(-1e30);
+    QTest::newRow("2^40") << QVariant(Q_INT64_C(1) << 40);
+    QTest::newRow("a text of a megabyte") << QVariant(QString(1024 * 1024, QLatin1Char('9')));
+    QTest::newRow("a thousand nested lists") << nestedList(1000);
+    QTest::newRow("a null pointer") << QVariant::fromValue<QObject *>(nullptr);
+}
+
+void tst_ScreenSettings::strangeValues()
+{
+    QFETCH(QVariant, value);
+    QVariantMap params = defaults();
+    for (QVariant &entry : params)
+        entry = value;
+
+    ScreenSettings settings;
+    settings.update(params);
+    const QVariantMap read = settings.toMap();
+    QCOMPARE(read.keys(), defaults().keys());
+    const auto isBetween = [&read](const char *key, int lowest, int highest) {
+        const int number = read.value(QString::fromLatin1(key)).toInt();
+        return lowest <= number && number <= highest;
+    };
+    QVERIFY(isBetween("interval", 0, 60000));
+    QVERIFY(isBetween("concurrent", 1, 20));
+    QVERIFY(isBetween("event-sending-limit", 0, std::numeric_limits<int>::max()));
+    for (const char *key : {"face-detection-confidence", "face-direction-confidence",
+             "age-confidence", "gender-confidence"})
+        QVERIFY2(isBetween(key, 0, 1000), key);
+    QCOMPARE(ScreenSettings::fromStored(params).toMap().keys(), defaults().keys());
 }
 
 void tst_ScreenSettings::stored_data()

@@ -42,6 +42,8 @@ private slots:
     void missingFile();
     void directoryInPlaceOfFile();
     void fifoInPlaceOfFile();
+    void linkThatLeadsNowhere_data();
+    void linkThatLeadsNowhere();
 
 private:
     bool write(const QByteArray &content) const { return KrTest::writeFile(m_fileName, content); }
@@ -110,6 +112,8 @@ void tst_SensorIni::read_data()
         "[Main]\nInterval=@Rect(1 2 3 4)\nSpeed=@Size(99999999999 2)\nPort=@Invalid()\n", 0, 0, 0);
     row("a stored text that is a number", "[Main]\nPort=@ByteArray(5)\nSpeed=@String(96)\n", 500,
         96, 5);
+    row("text in UTF-16", QByteArray("\xff\xfe[\0M\0a\0i\0n\0]\0\n\0P\0o\0r\0t\0=\0005\0\n\0", 30),
+        500, 921600, 3);
     row("rubbish", QByteArray("\x00\xff\xfe[[[=]]\n=\n==\n%zz\\\n\x01\x02", 22), 500, 921600, 3);
 }
 
@@ -234,6 +238,25 @@ void tst_SensorIni::fifoInPlaceOfFile()
     QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), describe(Defaults));
 #else
     QSKIP("there are no FIFOs in this file system");
+#endif
+}
+
+void tst_SensorIni::linkThatLeadsNowhere_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::newRow("to itself") << QStringLiteral("setting.ini");
+    QTest::newRow("to nothing") << QStringLiteral("missing.ini");
+    QTest::newRow("to a device without an end") << QStringLiteral("/dev/zero");
+}
+
+void tst_SensorIni::linkThatLeadsNowhere()
+{
+    QFETCH(QString, target);
+#ifdef Q_OS_UNIX
+    QVERIFY(QFile::link(target, m_fileName));
+    QCOMPARE(describe(readSensorIni(m_fileName, Defaults)), describe(Defaults));
+#else
+    QSKIP("links are shortcuts in this file system");
 #endif
 }
 
