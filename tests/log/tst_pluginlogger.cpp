@@ -1266,7 +1266,7 @@ void tst_PluginLogger::cleanUp_data()
     row("zeros", "plugin_00000000.txt", 30, true);
     row("nothing but a date", "20170101.txt", 30, false);
     row("a date before the date", "20170101_20180131.txt", 30, true);
-    row("a long name", QByteArray(QByteArray(200, 'x') + "_20170101.txt").constData(), 30, false);
+    row("a long name", QByteArray(QByteArray(120, 'x') + "_20170101.txt").constData(), 30, false);
 #ifdef Q_OS_UNIX // no file of Windows has one
     row("a line feed in the name", "x\n_20170101.txt", 30, false);
     row("a line feed in the date", "x_2017\n0101.txt", 30, true);

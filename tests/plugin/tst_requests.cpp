@@ -635,12 +635,13 @@ void tst_Requests::failuresKeepTheirOrder()
     connect(&sensor, &QTimer::timeout, plugin.object(), [&] {
         for (int i = 0; i < 10; ++i)
             failOnce();
-        if (count > Failures * 2 / 3)
-            QFile::remove(lock);
+        if (count < Failures * 2 / 3)
+            return;
+        sensor.stop();
+        QFile::remove(lock);
     });
     sensor.start(1);
     failOnce();
-    sensor.stop();
     while (count < Failures)
         failOnce();
     QCOMPARE(deepest, 2); // the one that waits, and one at a time
