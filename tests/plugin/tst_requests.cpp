@@ -598,7 +598,7 @@ void tst_Requests::aFaceCutInTwoIsLost()
 
 void tst_Requests::manySmallChunks()
 {
-    constexpr int Chunks = 2000;
+    constexpr int Chunks = 500;
     LoadedPlugin plugin;
     const auto shown = [&plugin] { return plugin->graphicsItem()->childItems().size(); };
     const int atRest = shown();
