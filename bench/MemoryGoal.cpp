@@ -3,7 +3,8 @@
 #include "Goals.h"
 #include "HostedPlugin.h"
 #include "Report.h"
-#include "ResidentMemory.h"
+
+#include "tests/support/OwnProcess.h"
 
 #include <QStringList>
 
@@ -36,9 +37,9 @@ void measureMemory(Report &report)
 {
     HostedPlugin plugin(20, HostedPlugin::HiddenPanel);
     receive(plugin, FramesBefore);
-    const qint64 before = residentMemory();
+    const qint64 before = KrTest::residentMemory();
     receive(plugin, FramesInAll - FramesBefore);
-    const double growth = static_cast<double>(residentMemory() - before) / Mebibyte;
+    const double growth = static_cast<double>(KrTest::residentMemory() - before) / Mebibyte;
     report.add({QStringLiteral("P8"),
         QStringLiteral("from %1 to %2 frames, MiB").arg(FramesBefore).arg(FramesInAll), growth,
         BarMebibytes, {}});

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 
 namespace KrTest {
 
@@ -14,6 +15,9 @@ double processorSeconds();
 /// Bytes of this process that are in the machine's memory; 0 under a sanitizer that keeps what was
 /// freed.
 qint64 residentMemory();
+
+/// Bytes that the C library has given out and not got back; 0 where it does not tell.
+qint64 allocatedMemory();
 
 /// True while the library lies in this process's memory. @p fileName is absolute.
 bool isMapped(const QString &fileName);

@@ -53,6 +53,11 @@ qint64 residentMemory()
     return static_cast<qint64>(counters.WorkingSetSize);
 }
 
+qint64 allocatedMemory()
+{
+    return 0;
+}
+
 bool isMapped(const QString &fileName)
 {
     const std::wstring name = QDir::toNativeSeparators(fileName).toStdWString();

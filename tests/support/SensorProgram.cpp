@@ -7,9 +7,23 @@
 
 namespace KrTest {
 
+namespace ProcessList = PluginKrHvcP2::ProcessList;
+
+namespace {
+
+constexpr char ProgramName[] = "HvcCon.exe";
+
+} // namespace
+
 int sensorProcessCount()
 {
-    return static_cast<int>(PluginKrHvcP2::ProcessList::find("HvcCon.exe").size());
+    return static_cast<int>(ProcessList::find(ProgramName).size());
+}
+
+void endSensorPrograms()
+{
+    for (const ProcessId id : ProcessList::find(ProgramName))
+        ProcessList::end(id, ProgramName);
 }
 
 bool installStandIn(const QString &directory, const QByteArray &commands, const QString &name)
