@@ -37,8 +37,9 @@ else()
             $<$<BOOL:${KRHVC_WERROR}>:-Werror>
             # Qt's logging macros
             $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
-            # GCC 12 suspects Qt's own containers of overflows when it optimises.
+            # GCC 12 suspects Qt's own containers of these when it optimises.
             $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overread>
             # One symbol of that kind, of which the standard library has some, and the plug-in could
             # never be unloaded. Nothing here shares such a symbol with the host.
             $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
