@@ -1,6 +1,7 @@
 #include "demo/player/EventLog.h"
 
 #include "demo/player/ShownText.h"
+#include "demo/stage/StageText.h"
 
 #include <QColor>
 
@@ -79,7 +80,7 @@ EventLog::EventLog(QObject *parent)
 void EventLog::append(const PlayerEvent &event)
 {
     PlayerEvent kept = event;
-    kept.details = shortened(event.details, MaxDetails);
+    kept.details = Stage::shortened(event.details, MaxDetails);
     if (m_events.size() >= Limit) {
         beginRemoveRows(QModelIndex(), 0, 0);
         m_events.pop_front();

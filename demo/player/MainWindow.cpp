@@ -239,7 +239,7 @@ void MainWindow::showStage()
 
 void MainWindow::showFiles()
 {
-    const StageFile &stage = m_player->stage();
+    const Stage::StageFile &stage = m_player->stage();
     const QString logs = m_player->logDirectory();
     m_files->setText(
         tr("Stage %1, screen %2")

@@ -1,6 +1,6 @@
 #include "demo/player/PluginHost.h"
 
-#include "demo/player/StageFile.h"
+#include "demo/stage/StageFile.h"
 #include "demo/support/UserFile.h"
 #include "host/KrPluginExtScreenInterface.h"
 #include "host/KrPluginGraphicsItem.h"
@@ -75,7 +75,7 @@ bool PluginHost::load(const QString &fileName)
     return true;
 }
 
-bool PluginHost::setUp(const StageFile &stage, int screenId, const QString &logDirectory)
+bool PluginHost::setUp(const Stage::StageFile &stage, int screenId, const QString &logDirectory)
 {
     if (!plugin())
         return false;
@@ -91,7 +91,7 @@ bool PluginHost::setUp(const StageFile &stage, int screenId, const QString &logD
     return call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
 }
 
-bool PluginHost::update(const StageFile &stage, int screenId)
+bool PluginHost::update(const Stage::StageFile &stage, int screenId)
 {
     if (!plugin())
         return false;
@@ -263,7 +263,7 @@ void PluginHost::readInformation()
     m_information.icon = m_plugin->icon();
 }
 
-void PluginHost::handOver(const StageFile &stage, int screenId)
+void PluginHost::handOver(const Stage::StageFile &stage, int screenId)
 {
     Kora::KrPluginStage description;
     description.setScreens(stage.screens());

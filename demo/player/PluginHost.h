@@ -17,9 +17,11 @@ class KrPluginGraphicsItem;
 class KrPluginGuiInterface;
 } // namespace Kora
 
-namespace Player {
-
+namespace Stage {
 class StageFile;
+} // namespace Stage
+
+namespace Player {
 
 /// What a plug-in file tells about itself.
 struct PluginInformation
@@ -49,9 +51,9 @@ public:
 
     /// Hands over directories, stage and screen and initialises the plug-in. Call once, after
     /// load(). An empty @p logDirectory leaves the plug-in's log off.
-    bool setUp(const StageFile &stage, int screenId, const QString &logDirectory);
+    bool setUp(const Stage::StageFile &stage, int screenId, const QString &logDirectory);
     /// Hands over a changed stage and initialises again; what ran before runs again.
-    bool update(const StageFile &stage, int screenId);
+    bool update(const Stage::StageFile &stage, int screenId);
 
     /// Null before setUp() and after the plug-in has gone. The plug-in owns it.
     Kora::KrPluginGraphicsItem *panel() const;
@@ -100,7 +102,7 @@ private slots:
 private:
     Kora::KrPluginExtScreenInterface *plugin() const; // null when the plug-in has gone
     void readInformation();
-    void handOver(const StageFile &stage, int screenId);
+    void handOver(const Stage::StageFile &stage, int screenId);
     void takeGui();
     bool connectSignals();
     bool call(const QString &operation, bool (Kora::KrPluginExtScreenInterface::*function)());

@@ -1,6 +1,6 @@
 #include "demo/player/StageChanges.h"
 
-#include "demo/player/StageKeys.h"
+#include "demo/stage/StageKeys.h"
 #include "host/KrPluginKeys.h"
 
 #include <QCoreApplication>
@@ -56,8 +56,8 @@ QStringList differences(const QJsonObject &before, const QJsonObject &after)
 
 QStringList contentDifferences(QJsonObject before, QJsonObject after)
 {
-    const QJsonObject paramsBefore = before.take(StageKeys::Params).toObject();
-    const QJsonObject paramsAfter = after.take(StageKeys::Params).toObject();
+    const QJsonObject paramsBefore = before.take(Stage::StageKeys::Params).toObject();
+    const QJsonObject paramsAfter = after.take(Stage::StageKeys::Params).toObject();
     return differences(before, after) + differences(paramsBefore, paramsAfter);
 }
 

@@ -1,52 +1,48 @@
 #include "demo/player/StageContent.h"
 
-#include "demo/player/ShownText.h"
-#include "demo/player/StageKeys.h"
-#include "host/KrPluginKeys.h"
+#include "demo/stage/StageColor.h"
+#include "demo/stage/StageFile.h"
+#include "demo/stage/StageKeys.h"
+#include "demo/stage/StageText.h"
 
-#include <array>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonObject>
 
 namespace Player {
 
-namespace Keys = Kora::Keys;
+using namespace Stage;
 
 namespace {
 
-constexpr int MaxShown = 500; // characters of a text
-
-QColor defaultColor(int number)
-{
-    static const std::array<QColor, 8> colors{QColor(0xc2, 0x41, 0x5c), QColor(0x2f, 0x6f, 0xb5),
-        QColor(0xd0, 0x7a, 0x1f), QColor(0x2b, 0x8a, 0x5a), QColor(0x7a, 0x4f, 0xb0),
-        QColor(0x1d, 0x8a, 0x99), QColor(0xa8, 0x3f, 0x8b), QColor(0x5d, 0x72, 0x2f)};
-    return colors.at(static_cast<size_t>(number - 1) % colors.size());
-}
-
-} // namespace
-
+/// What @p entry says of sequence @p number. Pictures are found from @p directory on.
 StageContent stageContent(const QJsonObject &entry, int number, const QDir &directory)
 {
     const QJsonObject card = entry.value(StageKeys::Card).toObject();
     StageContent content;
     content.number = number;
-    content.name = shownText(entry, Keys::Name);
-    if (content.name.isEmpty())
-        content.name = shownText(entry.value(StageKeys::Params).toObject(), Keys::Name);
+    content.name = contentName(entry);
     content.title
         = card.contains(StageKeys::Title) ? shownText(card, StageKeys::Title) : content.name;
     content.subtitle = shownText(card, StageKeys::Subtitle);
-    content.color = QColor(card.value(StageKeys::Color).toString());
-    if (!content.color.isValid())
-        content.color = defaultColor(content.number);
+    const StageColor color = contentColor(entry, number);
+    content.color = QColor(color.red, color.green, color.blue, color.alpha);
     const QString picture = card.value(StageKeys::Picture).toString();
     if (!picture.isEmpty())
         content.picture = directory.absoluteFilePath(picture);
     return content;
 }
 
-QString shownText(const QJsonObject &object, const QString &key)
+} // namespace
+
+QVector<StageContent> stageContents(const StageFile &stage, int screenId)
 {
-    return shortened(object.value(key).toString(), MaxShown);
+    QVector<StageContent> contents;
+    const QDir directory = QFileInfo(stage.fileName()).absoluteDir();
+    const QJsonArray entries = stage.contents(screenId);
+    for (const QJsonValue &entry : entries)
+        contents << stageContent(entry.toObject(), contents.size() + 1, directory);
+    return contents;
 }
 
 } // namespace Player

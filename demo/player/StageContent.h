@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QColor>
-#include <QDir>
-#include <QJsonObject>
 #include <QString>
+#include <QVector>
+
+namespace Stage {
+class StageFile;
+} // namespace Stage
 
 namespace Player {
 
@@ -25,11 +28,7 @@ struct StageContent
     friend bool operator!=(const StageContent &a, const StageContent &b) { return !(a == b); }
 };
 
-/// What @p entry of a screen's contents says of sequence @p number. Pictures are found from
-/// @p directory on.
-StageContent stageContent(const QJsonObject &entry, int number, const QDir &directory);
-
-/// The text under @p key as it is shown, with 500 characters at most.
-QString shownText(const QJsonObject &object, const QString &key);
+/// What @p stage shows for each content of a screen; at position p: sequence p + 1.
+QVector<StageContent> stageContents(const Stage::StageFile &stage, int screenId);
 
 } // namespace Player

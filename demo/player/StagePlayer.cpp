@@ -26,11 +26,11 @@ StageContent idleCard(const QString &title)
 
 } // namespace
 
-StagePlayer::StagePlayer(const StageFile &stage, int screenId, QObject *parent)
+StagePlayer::StagePlayer(const Stage::StageFile &stage, int screenId, QObject *parent)
     : QObject(parent)
     , m_stage(stage)
     , m_screenId(screenId)
-    , m_contents(stage.contents(screenId))
+    , m_contents(stageContents(stage, screenId))
     , m_current(idleCard(stage.title()))
     , m_savedStage(stage.toJson())
 {
@@ -184,7 +184,7 @@ void StagePlayer::applyEdits()
     if (m_stage.toJson() == stageBefore)
         return;
     const QVariantMap after = m_stage.screenParameters(m_screenId);
-    m_contents = m_stage.contents(m_screenId);
+    m_contents = stageContents(m_stage, m_screenId);
 
     const QPointer<StagePlayer> guard(this);
     m_applyingEdits = true;
@@ -212,7 +212,7 @@ QStringList StagePlayer::addRequestedContents()
             lines << tr("content #%1 not added: %2").arg(number, error);
             continue;
         }
-        const QString name = m_stage.contents(m_screenId).constLast().name;
+        const QString name = stageContents(m_stage, m_screenId).constLast().name;
         lines << tr("content #%1 added: %2, %3").arg(number, name, describeLinks(it.key() + 1));
     }
     return lines;
@@ -220,7 +220,7 @@ QStringList StagePlayer::addRequestedContents()
 
 void StagePlayer::showStage()
 {
-    m_contents = m_stage.contents(m_screenId);
+    m_contents = stageContents(m_stage, m_screenId);
     if (m_current.number > m_contents.size())
         m_current = idleCard(m_stage.title());
     else if (m_current.number > 0)

@@ -2,8 +2,9 @@
 
 #include "demo/player/EventLog.h"
 #include "demo/player/PluginHost.h"
-#include "demo/player/StageFile.h"
+#include "demo/player/StageContent.h"
 #include "demo/player/StageScene.h"
+#include "demo/stage/StageFile.h"
 
 #include <QByteArray>
 #include <QList>
@@ -25,7 +26,7 @@ class StagePlayer : public QObject
     Q_OBJECT
 
 public:
-    StagePlayer(const StageFile &stage, int screenId, QObject *parent = nullptr);
+    StagePlayer(const Stage::StageFile &stage, int screenId, QObject *parent = nullptr);
     ~StagePlayer() override; ///< ends playing
 
     bool loadPlugin(const QString &fileName); ///< see PluginHost::load()
@@ -39,7 +40,7 @@ public:
     bool save(const QString &fileName, QString *error);
     bool isModified() const; ///< the stage has changes that were not saved
 
-    const StageFile &stage() const { return m_stage; }
+    const Stage::StageFile &stage() const { return m_stage; }
     int screenId() const { return m_screenId; }
     const QVector<StageContent> &contents() const { return m_contents; }
     QString logDirectory() const { return m_logDirectory; } ///< empty: the plug-in writes no log
@@ -68,7 +69,7 @@ private:
     QString describe(int seqIndex) const; // "#3  Women 20-39"
     QString describeLinks(int number) const; // "linked by screen 2 Counter"
 
-    StageFile m_stage;
+    Stage::StageFile m_stage;
     int m_screenId;
     QString m_logDirectory;
     QVector<StageContent> m_contents;

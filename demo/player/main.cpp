@@ -44,7 +44,7 @@ struct Order
 {
     std::optional<int> exitStatus; // the program has nothing more to do
     Options options;
-    StageFile stage;
+    Stage::StageFile stage;
     int screenId = 0;
 };
 
@@ -82,7 +82,7 @@ Order takeOrder(const Options &options)
             return refuse(QStringLiteral("%1: %2").arg(file, objection));
     }
     QString error;
-    const std::optional<StageFile> stage = StageFile::read(options.stageFile, &error);
+    const std::optional<Stage::StageFile> stage = Stage::StageFile::read(options.stageFile, &error);
     if (!stage)
         return refuse(error);
     order.stage = *stage;

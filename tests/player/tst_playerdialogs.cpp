@@ -23,6 +23,7 @@
 
 using namespace GuiTest;
 using namespace Player;
+using namespace Stage;
 
 /// The product at work: a running screen is edited with the plug-in's own dialogs.
 class tst_PlayerDialogs : public QObject

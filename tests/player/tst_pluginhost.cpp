@@ -1,6 +1,6 @@
 #include "demo/player/PluginHost.h"
 
-#include "demo/player/StageFile.h"
+#include "demo/stage/StageFile.h"
 #include "host/KrPluginGuiInterface.h"
 
 #include <QFile>
@@ -10,6 +10,7 @@
 #include <QTest>
 
 using namespace Player;
+using namespace Stage;
 
 class tst_PluginHost : public QObject
 {

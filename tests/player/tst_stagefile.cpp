@@ -1,4 +1,5 @@
-#include "demo/player/StageFile.h"
+#include "demo/player/StageContent.h"
+#include "demo/stage/StageFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +10,7 @@
 #include <QTest>
 
 using namespace Player;
+using namespace Stage;
 
 class tst_StageFile : public QObject
 {
@@ -325,7 +327,7 @@ void tst_StageFile::addedContent()
     QCOMPARE(QJsonDocument::fromJson(stage.toJson()),
         QJsonDocument::fromJson(
             start + added + R"(], "event": )" + expectedEvents + '}' + expectedOthers + "]}"));
-    const StageContent content = stage.contents(1).value(2);
+    const StageContent content = stageContents(stage, 1).value(2);
     QCOMPARE(content.number, 3);
     QCOMPARE(content.title, QStringLiteral("New"));
     QVERIFY(content.color.isValid());
@@ -413,14 +415,14 @@ void tst_StageFile::savedElsewhere()
             {"params": {}, "card": {"picture": ":/b.svg"}}, {"params": {}}]}]})",
         directory.filePath(QStringLiteral("a.json")), &error)
                           .value_or(StageFile());
-    const QString picture = stage.contents(2).value(0).picture;
+    const QString picture = stageContents(stage, 2).value(0).picture;
     QCOMPARE(picture, directory.filePath(QStringLiteral("p/a.svg")));
 
     const QString fileName = directory.filePath(QStringLiteral("deep/b.json"));
     QVERIFY(stage.save(fileName, &error));
     QCOMPARE(stage.fileName(), fileName);
     QCOMPARE(stage.title(), QStringLiteral("b"));
-    QCOMPARE(QFileInfo(stage.contents(2).value(0).picture).absoluteFilePath(),
+    QCOMPARE(QFileInfo(stageContents(stage, 2).value(0).picture).absoluteFilePath(),
         QFileInfo(picture).absoluteFilePath());
     const QByteArray expected = R"({"screens": [{"id": 1}, {"id": 2, "contents": [
         {"params": {}, "card": {"picture": "../p/a.svg"}}, {"params": {}, "card": {}},
@@ -530,7 +532,7 @@ void tst_StageFile::contentCards()
         {"name": "Own", "params": {"name": "From params"},
          "card": {"title": "T", "subtitle": "S", "color": "#102030", "picture": "p/x.svg"}},
         {"params": {}}]}]})");
-    const QVector<StageContent> contents = stage.contents(1);
+    const QVector<StageContent> contents = stageContents(stage, 1);
     QCOMPARE(contents.size(), 3);
 
     QCOMPARE(contents.at(0).number, 1);
@@ -569,7 +571,7 @@ void tst_StageFile::longTexts()
     const QString shown = QString(499, QLatin1Char('x')) + QChar(0x2026);
     QCOMPARE(stage.title(), shown);
     QCOMPARE(stage.screenName(1), shown);
-    const QVector<StageContent> contents = stage.contents(1);
+    const QVector<StageContent> contents = stageContents(stage, 1);
     QCOMPARE(contents.at(0).name, shown);
     QCOMPARE(contents.at(0).title, shown);
     QCOMPARE(contents.at(0).subtitle, shown);
@@ -595,7 +597,7 @@ void tst_StageFile::shippedStage()
     const std::optional<StageFile> stage = StageFile::read(fileName, &error);
     QVERIFY2(stage, qUtf8Printable(error));
     const int screen = stage->defaultScreenId();
-    const QVector<StageContent> contents = stage->contents(screen);
+    const QVector<StageContent> contents = stageContents(*stage, screen);
     QCOMPARE(contents.size(), count);
     for (const StageContent &content : contents) {
         QVERIFY(!content.name.isEmpty());

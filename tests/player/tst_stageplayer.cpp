@@ -25,6 +25,7 @@
 #include <memory>
 
 using namespace Player;
+using namespace Stage;
 
 class tst_StagePlayer : public QObject
 {

@@ -1,6 +1,6 @@
-#include "demo/player/StageLinks.h"
+#include "demo/stage/StageLinks.h"
 
-#include "demo/player/StageKeys.h"
+#include "demo/stage/StageKeys.h"
 #include "host/KrPluginKeys.h"
 
 #include <QJsonObject>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace Player::StageLinks {
+namespace Stage::StageLinks {
 
 namespace Keys = Kora::Keys;
 
@@ -157,4 +157,4 @@ QJsonArray linked(QJsonArray screens, int screenId, int number)
     return screens;
 }
 
-} // namespace Player::StageLinks
+} // namespace Stage::StageLinks

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// Keys of a stage file beside those of a screen's parameter map.
-namespace Player::StageKeys {
+namespace Stage::StageKeys {
 
 inline const QString Title = QStringLiteral("title");
 inline const QString Screen = QStringLiteral("screen");
@@ -21,4 +21,4 @@ inline const QString Direction = QStringLiteral("direction");
 inline const QString Sequences = QStringLiteral("seq");
 inline const QString TargetSequence = QStringLiteral("screenseq");
 
-} // namespace Player::StageKeys
+} // namespace Stage::StageKeys

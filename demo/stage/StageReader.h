@@ -8,7 +8,7 @@
 
 /// The JSON form of a stage, which README.md describes. Only the structure is checked; ages,
 /// genders and settings are for the plug-in to judge.
-namespace Player::StageReader {
+namespace Stage::StageReader {
 
 /// Sets @p stage to the whole object, which is a stage unless the returned problem is set.
 Demo::JsonProblem read(const QByteArray &json, QJsonObject *stage);
@@ -16,4 +16,4 @@ Demo::JsonProblem read(const QByteArray &json, QJsonObject *stage);
 /// What is wrong with @p content as entry @p index of a screen's contents.
 Demo::JsonProblem checkContent(const QJsonValue &content, int index);
 
-} // namespace Player::StageReader
+} // namespace Stage::StageReader

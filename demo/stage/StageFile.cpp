@@ -1,8 +1,9 @@
-#include "demo/player/StageFile.h"
+#include "demo/stage/StageFile.h"
 
-#include "demo/player/StageKeys.h"
-#include "demo/player/StageLinks.h"
-#include "demo/player/StageReader.h"
+#include "demo/stage/StageKeys.h"
+#include "demo/stage/StageLinks.h"
+#include "demo/stage/StageReader.h"
+#include "demo/stage/StageText.h"
 #include "demo/support/JsonProblem.h"
 #include "demo/support/JsonReader.h"
 #include "demo/support/UserFile.h"
@@ -14,7 +15,7 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
-namespace Player {
+namespace Stage {
 
 using Demo::JsonProblem;
 
@@ -24,7 +25,7 @@ namespace {
 
 QString tr(const char *text)
 {
-    return QCoreApplication::translate("Player::StageFile", text);
+    return QCoreApplication::translate("Stage::StageFile", text);
 }
 
 } // namespace
@@ -181,14 +182,9 @@ QList<int> StageFile::linkingScreens(int screenId, int number) const
     return StageLinks::linkingScreens(screenList(), screenId, number);
 }
 
-QVector<StageContent> StageFile::contents(int screenId) const
+QJsonArray StageFile::contents(int screenId) const
 {
-    QVector<StageContent> contents;
-    const QDir directory = QFileInfo(m_fileName).absoluteDir();
-    const QJsonArray entries = screen(screenId).value(Keys::Contents).toArray();
-    for (const QJsonValue &entry : entries)
-        contents << stageContent(entry.toObject(), contents.size() + 1, directory);
-    return contents;
+    return screen(screenId).value(Keys::Contents).toArray();
 }
 
 QJsonArray StageFile::screenList() const
@@ -243,4 +239,4 @@ void StageFile::movePictures(const QString &directory)
     }
 }
 
-} // namespace Player
+} // namespace Stage

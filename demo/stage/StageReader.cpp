@@ -1,14 +1,14 @@
-#include "demo/player/StageReader.h"
+#include "demo/stage/StageReader.h"
 
-#include "demo/player/StageKeys.h"
+#include "demo/stage/StageColor.h"
+#include "demo/stage/StageKeys.h"
 #include "demo/support/JsonReader.h"
 #include "host/KrPluginKeys.h"
 
-#include <QColor>
 #include <QCoreApplication>
 #include <QHash>
 
-namespace Player::StageReader {
+namespace Stage::StageReader {
 
 using Demo::JsonPath;
 using Demo::JsonProblem;
@@ -18,11 +18,11 @@ namespace Keys = Kora::Keys;
 
 namespace {
 
-constexpr int MaxEntries = 1000; // of a list that the player goes through
+constexpr int MaxEntries = 1000; // of a list that programs go through
 
 QString tr(const char *text)
 {
-    return QCoreApplication::translate("Player::StageReader", text);
+    return QCoreApplication::translate("Stage::StageReader", text);
 }
 
 void checkCard(JsonReader &card)
@@ -31,7 +31,7 @@ void checkCard(JsonReader &card)
     card.text(StageKeys::Subtitle);
     const QString color = card.text(StageKeys::Color);
     card.text(StageKeys::Picture);
-    if (!color.isEmpty() && !QColor::isValidColor(color))
+    if (!color.isEmpty() && !colorFromText(color))
         card.fail(StageKeys::Color, tr("\"%1\" is not a colour").arg(color));
 }
 
@@ -95,4 +95,4 @@ JsonProblem checkContent(const QJsonValue &content, int index)
     return problem;
 }
 
-} // namespace Player::StageReader
+} // namespace Stage::StageReader

@@ -4,7 +4,7 @@
 #include <QList>
 
 /// The events of a stage's screens: which sequences others may start, and who does.
-namespace Player::StageLinks {
+namespace Stage::StageLinks {
 
 /// @p events, changed such that one of them lists and opens sequence @p number. An event without a
 /// list is not enough: it opens the first sequences, as many as the screen has valid contents.
@@ -17,4 +17,4 @@ QList<int> linkingScreens(const QJsonArray &screens, int screenId, int number);
 /// does, as it does to the nearest sequence before. Unchanged when there is no other screen.
 QJsonArray linked(QJsonArray screens, int screenId, int number);
 
-} // namespace Player::StageLinks
+} // namespace Stage::StageLinks

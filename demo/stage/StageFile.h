@@ -1,7 +1,5 @@
 #pragma once
 
-#include "demo/player/StageContent.h"
-
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -9,15 +7,14 @@
 #include <QMap>
 #include <QString>
 #include <QVariantMap>
-#include <QVector>
 
 #include <optional>
 
-namespace Player {
+namespace Stage {
 
 /// A stage: its screens with settings, contents and events, as the JSON file has them.
 ///
-/// Holds the file's whole object, so that what the player does not know is written back as it was.
+/// Holds the file's whole object, so that what the programs do not know is written back as it was.
 /// Only the structure is checked; ages, genders and settings are for the plug-in to judge.
 class StageFile
 {
@@ -56,7 +53,7 @@ public:
     /// The other screens with an event for sequence @p number of the screen, in the file's order.
     QList<int> linkingScreens(int screenId, int number) const;
 
-    QVector<StageContent> contents(int screenId) const; ///< at position p: sequence p + 1
+    QJsonArray contents(int screenId) const; ///< at position p: sequence p + 1
 
 private:
     QJsonArray screenList() const;
@@ -68,4 +65,4 @@ private:
     QJsonObject m_document;
 };
 
-} // namespace Player
+} // namespace Stage
