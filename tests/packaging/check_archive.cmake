@@ -13,6 +13,7 @@ if(name STREQUAL "KrHvcP2-${VERSION}-win64.zip")
     set(plugin KrHvcP2.dll)
     set(system_files
         demo/KrStagePlayer.exe
+        demo/hvcp2.exe
         demo/Qt5Core.dll
         demo/Qt5Gui.dll
         demo/Qt5Svg.dll
@@ -25,7 +26,7 @@ if(name STREQUAL "KrHvcP2-${VERSION}-win64.zip")
     )
 elseif(name MATCHES "^KrHvcP2-${VERSION}-linux-[a-z0-9_]+\\.tar\\.gz$")
     set(plugin KrHvcP2.so)
-    set(system_files demo/KrStagePlayer)
+    set(system_files demo/KrStagePlayer demo/hvcp2)
 else()
     message(FATAL_ERROR "Unexpected archive: ${name}")
 endif()

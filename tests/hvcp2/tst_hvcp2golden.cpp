@@ -1,0 +1,119 @@
+#include "tests/support/Files.h"
+#include "tools/hvcp2/Program.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QtTest>
+
+using namespace Hvcp2;
+using namespace KrTest;
+
+namespace {
+
+/// What a command prints, and behind it what a user does not see on the screen.
+QString run(const QStringList &arguments)
+{
+    QString output;
+    QString error;
+    QTextStream out(&output);
+    QTextStream errors(&error);
+    Console console{out, errors, Paint()};
+    const ExitStatus status = runProgram(arguments, QStringLiteral("1.2.3"), console);
+    out.flush();
+    errors.flush();
+    return output + error + QStringLiteral("[status %1]\n").arg(status);
+}
+
+} // namespace
+
+/// Each command for each stage of golden/, with what it has to print beside it.
+class tst_Hvcp2Golden : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void help_data();
+    void help();
+    void stages_data();
+    void stages();
+
+private:
+    static void compare(const QString &actual, const QString &fileName);
+};
+
+void tst_Hvcp2Golden::initTestCase()
+{
+    const QString directory = QFINDTESTDATA("golden");
+    QVERIFY(!directory.isEmpty());
+    // So that outputs name the stages without a folder.
+    QVERIFY(QDir::setCurrent(directory));
+}
+
+void tst_Hvcp2Golden::compare(const QString &actual, const QString &fileName)
+{
+    if (actual != readText(fileName) && qEnvironmentVariableIsSet("KRHVC_RENEW_GOLDEN")) {
+        QVERIFY(writeFile(fileName, actual.toUtf8()));
+        QSKIP("The expected output was renewed.");
+    }
+    QVERIFY2(QFileInfo::exists(fileName), qPrintable(fileName));
+    QCOMPARE(actual.split(QLatin1Char('\n')), readText(fileName).split(QLatin1Char('\n')));
+}
+
+void tst_Hvcp2Golden::help_data()
+{
+    QTest::addColumn<QString>("command"); // empty: the program
+
+    QTest::newRow("program") << "";
+    const QVector<Command> commands = allCommands();
+    for (const Command &command : commands)
+        QTest::newRow(qPrintable(command.name)) << command.name;
+}
+
+void tst_Hvcp2Golden::help()
+{
+    QFETCH(QString, command);
+
+    QStringList arguments{QStringLiteral("--help")};
+    if (!command.isEmpty())
+        arguments.prepend(command);
+    const QString text = run(arguments);
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+    compare(text,
+        QStringLiteral("help%1.txt")
+            .arg(command.isEmpty() ? QString() : QLatin1Char('.') + command));
+}
+
+void tst_Hvcp2Golden::stages_data()
+{
+    QTest::addColumn<QString>("stage");
+    QTest::addColumn<QString>("command");
+
+    for (const char *const stage : {"door", "empty", "names", "window"}) {
+        for (const char *const command : {"explain"}) {
+            QTest::addRow("%s %s", command, stage) << stage << command;
+        }
+    }
+}
+
+void tst_Hvcp2Golden::stages()
+{
+    QFETCH(QString, stage);
+    QFETCH(QString, command);
+
+    const QStringList arguments{command, QStringLiteral("--stage"), stage + QLatin1String(".json")};
+    const QString text = run(arguments);
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+    const QString name = stage + QLatin1Char('.') + command;
+    compare(text, name + QLatin1String(".txt"));
+    compare(
+        run(arguments + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+}
+
+QTEST_GUILESS_MAIN(tst_Hvcp2Golden)
+
+#include "tst_hvcp2golden.moc"

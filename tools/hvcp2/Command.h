@@ -1,0 +1,53 @@
+#pragma once
+
+#include "tools/analysis/Plan.h"
+#include "tools/hvcp2/Console.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QJsonObject;
+
+namespace Hvcp2 {
+
+enum ExitStatus {
+    Fine = 0,
+    FoundSomething = 1, ///< the command did its work and found something wrong
+    BadUse = 2, ///< or bad input
+};
+
+/// One of the program's commands.
+struct Command
+{
+    QString name;
+    QString synopsis; ///< what follows the name, for example "--stage FILE [--json]"
+    QString summary; ///< a line
+    QString description; ///< lines of 80 characters at most, the last one without its end
+    QList<QCommandLineOption> options;
+    QStringList examples; ///< what follows the program's name
+    ExitStatus (*run)(const QCommandLineParser &given, Console &console) = nullptr;
+};
+
+/// "hvcp2 NAME: REASON" on standard error. Returns BadUse.
+ExitStatus refuse(const Command &command, const QString &reason, Console &console);
+
+// Options that several commands have.
+QCommandLineOption stageOption();
+QCommandLineOption screenOption();
+QCommandLineOption jsonOption();
+
+/// The plan that --stage and --screen name. Nothing, and the reason in @p error, when there is
+/// none.
+std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error);
+
+void printJson(const QJsonObject &document, Console &console);
+
+/// Replaces the file @p fileName. False with "file: reason" in @p error when that fails.
+bool writeFile(const QString &fileName, const QByteArray &content, QString *error);
+
+} // namespace Hvcp2

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "tools/hvcp2/Paint.h"
+
+#include <QTextStream>
+
+namespace Hvcp2 {
+
+/// Where results and messages go.
+struct Console
+{
+    QTextStream &out;
+    QTextStream &error;
+    Paint paint; ///< of what goes to out
+};
+
+} // namespace Hvcp2

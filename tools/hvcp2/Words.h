@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/screen/DetectionContent.h"
+#include "tools/analysis/Coverage.h"
+#include "tools/analysis/Plan.h"
+
+#include <QString>
+
+/// What values are called, for people and in JSON.
+namespace Hvcp2 {
+
+QString reasonWord(PluginKrHvcP2::EntryReason reason); ///< for example "ages reversed"
+QString fitWord(Analysis::Choice::Fit fit); ///< "fits", "default", "age alone", "nothing"
+QString genderWord(PluginKrHvcP2::Gender gender); ///< "female", "male", "unknown"
+QString agesWord(const Analysis::AgeRange &ages); ///< "20-29", "20" for a single year
+QString asKey(QString word); ///< "ages-reversed"
+
+QString contentWord(const Analysis::Plan &plan, int number); ///< "#3 Women 20-39"
+QString screenWord(const Analysis::Plan &plan); ///< "Shop window, screen 1 (Window)"
+
+} // namespace Hvcp2

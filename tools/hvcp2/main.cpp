@@ -1,0 +1,21 @@
+#include "tools/hvcp2/Program.h"
+#include "tools/hvcp2/Terminal.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QTextStream out(stdout);
+    QTextStream error(stderr);
+    out.setCodec("UTF-8");
+    error.setCodec("UTF-8");
+    Hvcp2::Console console{out, error, Hvcp2::Paint(Hvcp2::prepareStandardOutput())};
+    const Hvcp2::ExitStatus status = Hvcp2::runProgram(
+        QCoreApplication::arguments().mid(1), QStringLiteral(KRHVC_VERSION), console);
+    out.flush();
+    if (out.status() == QTextStream::Ok)
+        return status;
+    error << "hvcp2: standard output cannot be written\n";
+    return Hvcp2::BadUse;
+}
