@@ -3,6 +3,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <QtTest>
 
 using namespace Hvcp2;
@@ -37,6 +39,8 @@ private slots:
     void help();
     void stages_data();
     void stages();
+    void pictures_data();
+    void pictures();
 
 private:
     static void compare(const QString &actual, const QString &fileName);
@@ -92,7 +96,7 @@ void tst_Hvcp2Golden::stages_data()
     QTest::addColumn<QString>("command");
 
     for (const char *const stage : {"door", "empty", "names", "window"}) {
-        for (const char *const command : {"explain"}) {
+        for (const char *const command : {"explain", "coverage"}) {
             QTest::addRow("%s %s", command, stage) << stage << command;
         }
     }
@@ -112,6 +116,31 @@ void tst_Hvcp2Golden::stages()
     compare(text, name + QLatin1String(".txt"));
     compare(
         run(arguments + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+}
+
+void tst_Hvcp2Golden::pictures_data()
+{
+    QTest::addColumn<QString>("stage");
+
+    for (const char *const stage : {"door", "empty", "names", "window"})
+        QTest::newRow(stage) << stage;
+}
+
+void tst_Hvcp2Golden::pictures()
+{
+    QFETCH(QString, stage);
+
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("picture.svg"));
+    const QStringList arguments{
+        QStringLiteral("coverage"), QStringLiteral("--stage"), stage + QLatin1String(".json")};
+    QCOMPARE(run(arguments + QStringList{QStringLiteral("-o"), file}), run(arguments));
+    const QString picture = readText(file);
+    QXmlStreamReader reader(picture);
+    while (!reader.atEnd())
+        reader.readNext();
+    QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
+    compare(picture, stage + QLatin1String(".coverage.svg"));
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Golden)

@@ -1,5 +1,6 @@
 #include "tools/hvcp2/Program.h"
 
+#include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
 
 #include <algorithm>
@@ -133,7 +134,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {explainCommand()};
+    return {explainCommand(), coverageCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)

@@ -1,0 +1,341 @@
+#include "tests/support/Files.h"
+#include "tools/analysis/Coverage.h"
+#include "tools/analysis/Plan.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
+using namespace KrTest;
+
+/// The program as its user starts it.
+class tst_Hvcp2Program : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void refused_data();
+    void refused();
+    void help_data();
+    void help();
+    void statuses_data();
+    void statuses();
+    void namesInAnyScript();
+    void noColorsInAPipe();
+    void coverageJson_data();
+    void coverageJson();
+    void pictureIsReplaced();
+    void pictureThatCannotBeWritten_data();
+    void pictureThatCannotBeWritten();
+    void fullDisk();
+
+private:
+    struct Result
+    {
+        int status = -1;
+        QString output;
+        QString error;
+    };
+
+    Result run(const QStringList &arguments, const QString &outputFile = {}) const;
+    static QString text(const QByteArray &printed);
+    QString writeStage(const QByteArray &json) const;
+
+    QTemporaryDir m_directory;
+};
+
+tst_Hvcp2Program::Result tst_Hvcp2Program::run(
+    const QStringList &arguments, const QString &outputFile) const
+{
+    QProcess process;
+    process.setWorkingDirectory(m_directory.path());
+    if (!outputFile.isEmpty())
+        process.setStandardOutputFile(outputFile);
+    process.start(QStringLiteral(KRHVC_HVCP2_FILE), arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), text(process.readAllStandardOutput()),
+        text(process.readAllStandardError())};
+}
+
+/// What was printed, with line feeds as line ends.
+QString tst_Hvcp2Program::text(const QByteArray &printed)
+{
+    QString text = QString::fromUtf8(printed);
+#ifdef Q_OS_WIN
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+#endif
+    return text;
+}
+
+/// Returns the name by which the program finds it.
+QString tst_Hvcp2Program::writeStage(const QByteArray &json) const
+{
+    const QString name = QStringLiteral("stage.json");
+    return writeFile(m_directory.filePath(name), json) ? name : QString();
+}
+
+void tst_Hvcp2Program::initTestCase()
+{
+    QVERIFY(m_directory.isValid());
+    QVERIFY(QDir(m_directory.path()).mkdir(QStringLiteral("folder")));
+#ifdef Q_OS_UNIX
+    const QString pipe = m_directory.filePath(QStringLiteral("pipe"));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+#endif
+}
+
+void tst_Hvcp2Program::refused_data()
+{
+    QTest::addColumn<QByteArray>("stage");
+    QTest::addColumn<QString>("arguments"); // separated by blanks
+    QTest::addColumn<QString>("error"); // a line, less its end
+
+    const QByteArray good = R"({"screens": [{"id": 1}]})";
+    // clang-format off
+    QTest::newRow("nothing") << good << ""
+        << "hvcp2: A command is needed. See 'hvcp2 --help'.";
+    QTest::newRow("an unknown command") << good << "explian --stage stage.json"
+        << "hvcp2: Unknown command 'explian'. See 'hvcp2 --help'.";
+    QTest::newRow("an unknown option") << good << "--loud"
+        << "hvcp2: Unknown option 'loud'. See 'hvcp2 --help'.";
+    QTest::newRow("neither an option nor a command") << good << "-- explain"
+        << "hvcp2: Options go behind the command. See 'hvcp2 --help'.";
+    QTest::newRow("an unknown option of a command") << good << "coverage --stage stage.json --loud"
+        << "hvcp2 coverage: Unknown option 'loud'. See 'hvcp2 coverage --help'.";
+    QTest::newRow("one argument more") << good << "explain --stage stage.json more"
+        << "hvcp2 explain: Unexpected argument 'more'. See 'hvcp2 explain --help'.";
+    QTest::newRow("no stage") << good << "explain"
+        << "hvcp2 explain: --stage FILE is needed.";
+    QTest::newRow("a stage without its name") << good << "coverage --stage"
+        << "hvcp2 coverage: Missing value after '--stage'. See 'hvcp2 coverage --help'.";
+    QTest::newRow("a screen that is no number") << good << "explain --stage stage.json --screen one"
+        << "hvcp2 explain: --screen: \"one\" is no whole number";
+    QTest::newRow("a screen that the stage does not have") << good << "coverage --stage stage.json --screen 2"
+        << "hvcp2 coverage: stage.json: there is no screen 2";
+    QTest::newRow("a stage file that does not exist") << good << "explain --stage none.json"
+        << "hvcp2 explain: none.json: no such file";
+    QTest::newRow("a stage file that is a folder") << good << "explain --stage folder"
+        << "hvcp2 explain: folder: is not a file";
+#ifdef Q_OS_UNIX
+    QTest::newRow("a stage file that is a pipe") << good << "explain --stage pipe"
+        << "hvcp2 explain: pipe: is not a file";
+#endif
+    QTest::newRow("a stage file that does not parse") << QByteArray("{\n\"screens\": [}") << "coverage --stage stage.json"
+        << "hvcp2 coverage: stage.json:2:14: object is missing after a comma";
+    QTest::newRow("a stage file with a wrong type")
+        << QByteArray("{\"screens\": [{\"id\": 1},\n  {\"id\": 2, \"contents\": [{\"params\": 3}]}]}") << "explain --stage stage.json"
+        << "hvcp2 explain: stage.json:2:27: screens[1].contents[0].params: must be an object";
+    // clang-format on
+}
+
+void tst_Hvcp2Program::refused()
+{
+    QFETCH(QByteArray, stage);
+    QFETCH(QString, arguments);
+    QFETCH(QString, error);
+
+    QVERIFY(!writeStage(stage).isEmpty());
+    const QStringList list
+        = arguments.isEmpty() ? QStringList() : arguments.split(QLatin1Char(' '));
+    const Result result = run(list);
+    QCOMPARE(result.error, error + QLatin1Char('\n'));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.status, 2);
+}
+
+void tst_Hvcp2Program::help_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("start");
+
+    QTest::newRow("--help") << "--help"
+                            << "Usage: hvcp2 COMMAND [OPTION...]\n";
+    QTest::newRow("-h") << "-h"
+                        << "Usage: hvcp2 COMMAND [OPTION...]\n";
+    QTest::newRow("--version") << "--version"
+                               << "hvcp2 " KRHVC_VERSION "\n";
+    QTest::newRow("of a command") << "explain --help"
+                                  << "Usage: hvcp2 explain --stage FILE";
+    QTest::newRow("of a command, whatever else is there") << "coverage more -h"
+                                                          << "Usage: hvcp2 coverage --stage FILE";
+}
+
+void tst_Hvcp2Program::help()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, start);
+
+    const Result result = run(arguments.split(QLatin1Char(' ')));
+    QCOMPARE(result.output.left(start.size()), start);
+    QCOMPARE(result.error, QString());
+    QCOMPARE(result.status, 0);
+}
+
+void tst_Hvcp2Program::statuses_data()
+{
+    QTest::addColumn<QByteArray>("contents"); // of screen 1; screen 2 follows the first two
+    QTest::addColumn<int>("explain");
+    QTest::addColumn<int>("coverage");
+
+    const auto content = [](int from, int to, const char *gender, const char *isDefault) {
+        return QStringLiteral(R"({"params": {"age-min": %1, "age-max": %2, "gender": "%3",)"
+                              R"( "default": "%4"}})")
+            .arg(QString::number(from), QString::number(to), QString::fromLatin1(gender),
+                QString::fromLatin1(isDefault))
+            .toUtf8();
+    };
+    QTest::newRow("no contents") << QByteArray() << 0 << 1;
+    QTest::newRow("for everybody") << content(0, 120, "both", "false") << 0 << 0;
+    QTest::newRow("defaults for the rest") << content(20, 30, "both", "true") << 0 << 0;
+    QTest::newRow("men are left out") << content(20, 30, "female", "true") << 0 << 1;
+    QTest::newRow("a content for nobody")
+        << content(0, 100, "both", "false") + ',' + content(101, 120, "both", "false") << 0 << 1;
+    QTest::newRow("a content that takes no part")
+        << content(0, 120, "both", "false") + ',' + content(30, 20, "both", "false") << 1 << 1;
+}
+
+void tst_Hvcp2Program::statuses()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(int, explain);
+    QFETCH(int, coverage);
+
+    const QString stage = writeStage(R"({"screens": [{"id": 1, "contents": [)" + contents
+        + R"(], "event": [{"type": 2, "direction": 1, "seq": []}]}, {"id": 2, "event": [
+            {"type": 2, "id": 1, "screenseq": 1}, {"type": 2, "id": 1, "screenseq": 2}]}]})");
+    for (const QString &form : {QString(), QStringLiteral("--json")}) {
+        QStringList arguments{QStringLiteral("explain"), QStringLiteral("--stage"), stage};
+        if (!form.isEmpty())
+            arguments << form;
+        Result result = run(arguments);
+        QCOMPARE(result.status, explain);
+        QCOMPARE(result.error, QString());
+        arguments[0] = QStringLiteral("coverage");
+        result = run(arguments);
+        QCOMPARE(result.status, coverage);
+        QCOMPARE(result.error, QString());
+    }
+}
+
+void tst_Hvcp2Program::namesInAnyScript()
+{
+    const QByteArray json
+        = QStringLiteral(R"({"title": "\u5e97\u8217", "screens": [{"id": 1}]})").toUtf8();
+    const QString name = QStringLiteral("B\u00fchne \u5e97.json");
+    QVERIFY(writeFile(m_directory.filePath(name), json));
+    const Result result = run({QStringLiteral("explain"), QStringLiteral("--stage"), name});
+    QCOMPARE(result.error, QString());
+    QCOMPARE(
+        result.output, QStringLiteral("\u5e97\u8217, screen 1\n\n  The screen has no contents.\n"));
+}
+
+void tst_Hvcp2Program::noColorsInAPipe()
+{
+    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    for (const char *const command : {"explain", "coverage"}) {
+        const Result result = run({QString::fromLatin1(command), QStringLiteral("--stage"), stage});
+        QCOMPARE(result.status, 0);
+        QVERIFY(result.output.startsWith(QLatin1String("Shop window, screen 1 (Window)\n")));
+        QVERIFY(!result.output.contains(QChar(0x1b)));
+    }
+}
+
+void tst_Hvcp2Program::coverageJson_data()
+{
+    QTest::addColumn<QString>("fileName");
+
+    QTest::newRow("the shop window") << KRHVC_STAGE_DIR "/shop-window.json";
+    QTest::newRow("the station concourse") << KRHVC_STAGE_DIR "/station-concourse.json";
+}
+
+/// The keys that other programs read.
+void tst_Hvcp2Program::coverageJson()
+{
+    QFETCH(QString, fileName);
+
+    const Result result = run({QStringLiteral("coverage"), QStringLiteral("--stage"), fileName,
+        QStringLiteral("--json")});
+    const QJsonObject document = QJsonDocument::fromJson(result.output.toUtf8()).object();
+    QString error;
+    const std::optional<Analysis::Plan> plan = Analysis::readPlan(fileName, {}, &error);
+    QVERIFY2(plan, qUtf8Printable(error));
+    const Analysis::Coverage coverage = Analysis::coverageOf(plan->contents);
+    const QStringList keys{
+        QStringLiteral("female"), QStringLiteral("male"), QStringLiteral("unknown")};
+    for (int gender = 0; gender < keys.size(); ++gender) {
+        const QJsonArray ages = document.value(keys.at(gender)).toArray();
+        QCOMPARE(ages.size(), 101);
+        for (int age = 0; age <= 100; ++age) {
+            const int number = coverage.genders.at(gender).ages.at(age).number;
+            QCOMPARE(ages.at(age), number > 0 ? QJsonValue(number) : QJsonValue());
+        }
+    }
+}
+
+void tst_Hvcp2Program::pictureIsReplaced()
+{
+    const QString picture = m_directory.filePath(QStringLiteral("map.svg"));
+    QVERIFY(writeFile(picture, "something else"));
+    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    const Result result = run({QStringLiteral("coverage"), QStringLiteral("--stage"), stage,
+        QStringLiteral("-o"), QStringLiteral("map.svg")});
+    QCOMPARE(result.status, 0);
+    const QString svg = readText(picture);
+    QVERIFY(svg.startsWith(QLatin1String("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg ")));
+    QVERIFY(svg.endsWith(QLatin1String("</svg>\n")));
+}
+
+void tst_Hvcp2Program::pictureThatCannotBeWritten_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("error"); // its beginning
+
+    QTest::newRow("in a folder that does not exist") << "none/map.svg"
+                                                     << "none/map.svg: cannot be written: ";
+    QTest::newRow("a folder") << "folder"
+                              << "folder: is not a file";
+#ifdef Q_OS_UNIX
+    QTest::newRow("a pipe that nobody reads") << "pipe"
+                                              << "pipe: is not a file";
+#endif
+}
+
+void tst_Hvcp2Program::pictureThatCannotBeWritten()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, error);
+
+    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    const Result result = run(
+        {QStringLiteral("coverage"), QStringLiteral("--stage"), stage, QStringLiteral("-o"), name});
+    const QString start = QLatin1String("hvcp2 coverage: ") + error;
+    QCOMPARE(result.error.left(start.size()), start);
+    QCOMPARE(result.error.count(QLatin1Char('\n')), 1);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.status, 2);
+}
+
+void tst_Hvcp2Program::fullDisk()
+{
+    const QString full = QStringLiteral("/dev/full");
+    if (!QFile::exists(full))
+        QSKIP("This system has no device that is always full.");
+    const Result result = run({QStringLiteral("--help")}, full);
+    QCOMPARE(result.error, QStringLiteral("hvcp2: standard output cannot be written\n"));
+    QCOMPARE(result.status, 2);
+}
+
+QTEST_GUILESS_MAIN(tst_Hvcp2Program)
+
+#include "tst_hvcp2program.moc"
