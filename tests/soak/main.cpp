@@ -17,8 +17,8 @@ enum ExitStatus { Flat = 0, Grown = 1, BadCommandLine = 2 };
 
 constexpr int FewestFrames = 100;
 constexpr int GreatestRate = 1000; // the sensor program counts whole milliseconds
-// MiB. At rest the medians of a quarter's samples differ by a twentieth of it; a leak of six bytes a
-// frame comes to more in half a day.
+// MiB. At rest the medians of a quarter's samples differ by a twentieth of it; a leak of six bytes
+// a frame comes to more in half a day.
 constexpr double MemoryAllowance = 0.5;
 
 std::optional<int> toNumber(const QString &text, int min, int max)
