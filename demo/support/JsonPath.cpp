@@ -47,9 +47,8 @@ public:
             place.begin = m_offset;
             skipText();
             const QByteArray literal = m_json.mid(place.begin, m_offset - place.begin);
-            skipBlanks();
-            advance(); // past the colon
-            skipBlanks();
+            m_offset = place.begin;
+            passKey();
             place.value = m_offset;
             if (keyFromLiteral(literal) == key)
                 found = place;
@@ -65,6 +64,23 @@ public:
                 return Place{m_offset, m_offset};
         }
         return std::nullopt;
+    }
+
+    /// Steps over a key and its colon to the value.
+    void passKey()
+    {
+        skipText();
+        skipBlanks();
+        advance(); // past the colon
+        skipBlanks();
+    }
+
+    QVector<int> elements()
+    {
+        QVector<int> offsets;
+        for (bool more = enter('['); more; more = next())
+            offsets.append(m_offset);
+        return offsets;
     }
 
 private:
@@ -187,6 +203,16 @@ int JsonPath::offsetIn(const QByteArray &json) const
         place = *inner;
     }
     return place.begin;
+}
+
+QVector<int> JsonPath::elementOffsetsIn(const QByteArray &json) const
+{
+    if (m_steps.isEmpty() || m_steps.constLast().index >= 0)
+        return Scanner(json, offsetIn(json)).elements();
+    // It begins at its key; the value is behind the colon.
+    Scanner key(json, offsetIn(json));
+    key.passKey();
+    return Scanner(json, key.offset()).elements();
 }
 
 JsonPath JsonPath::with(const Step &step) const

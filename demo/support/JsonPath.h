@@ -21,6 +21,10 @@ public:
     /// text does not have is looked for at the value in which it is missing.
     int offsetIn(const QByteArray &json) const;
 
+    /// Where the elements of the list begin that the path leads to: in one pass, while offsetIn()
+    /// goes through the text for each. Empty when it leads to no list.
+    QVector<int> elementOffsetsIn(const QByteArray &json) const;
+
 private:
     struct Step
     {

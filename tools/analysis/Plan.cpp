@@ -77,16 +77,19 @@ public:
         , m_entries(stage.contents(screenId))
         , m_screen(JsonPath().key(StageKeys::Screens).element(stage.screenIds().indexOf(screenId)))
         , m_screenId(screenId)
+        , m_places(m_screen.key(Keys::Contents).elementOffsetsIn(json))
+        , m_eventsPlace(m_screen.key(StageKeys::Event).offsetIn(json))
     { }
 
     /// How many contents are valid, linked or not.
     void setValidCount(int count) { m_validCount = count; }
 
-    JsonProblem find(const PlannedContent &entry) const
+    /// Fastest in the order of the entries.
+    JsonProblem find(const PlannedContent &entry)
     {
         JsonProblem problem = describe(entry);
         if (problem.isSet())
-            problem.placeAt(m_json, problem.path.offsetIn(m_json));
+            place(problem, placeOf(entry));
         return problem;
     }
 
@@ -131,6 +134,50 @@ private:
         return problem;
     }
 
+    /// Counts on from the place of the last problem that did not lie behind this one.
+    void place(JsonProblem &problem, int offset)
+    {
+        if (offset < m_lastOffset) {
+            problem.placeAt(m_json, offset);
+            return;
+        }
+        const QByteArray between = m_json.mid(m_lastOffset, offset - m_lastOffset);
+        problem.placeAt(between, between.size());
+        if (problem.line == 1)
+            problem.column += m_lastColumn - 1;
+        problem.line += m_lastLine - 1;
+        m_lastOffset = offset;
+        m_lastLine = problem.line;
+        m_lastColumn = problem.column;
+    }
+
+    /// The offset of the problem's path. A file may have megabytes, and a thousand problems.
+    int placeOf(const PlannedContent &entry) const
+    {
+        switch (entry.reason) {
+        case EntryReason::NoLowestAge:
+        case EntryReason::AgesReversed:
+            return placeOf(entry, Keys::AgeMin);
+        case EntryReason::NoHighestAge:
+            return placeOf(entry, Keys::AgeMax);
+        case EntryReason::NoGender:
+            return placeOf(entry, Keys::Gender);
+        case EntryReason::NoOwnEvent:
+            return m_eventsPlace;
+        default:
+            return m_places.value(entry.number - 1);
+        }
+    }
+
+    int placeOf(const PlannedContent &entry, const QString &key) const
+    {
+        const int begin = m_places.value(entry.number - 1);
+        const int end = m_places.value(entry.number, m_json.size());
+        const JsonPath path
+            = JsonPath().key(StageKeys::Params).key(writtenKey(paramsOf(entry), key));
+        return begin + path.offsetIn(m_json.mid(begin, end - begin));
+    }
+
     QString hintAtOpenEvents(int number) const
     {
         return number <= m_validCount
@@ -162,7 +209,12 @@ private:
     const QJsonArray m_entries;
     const JsonPath m_screen;
     const int m_screenId;
+    const QVector<int> m_places; // of the entries in m_json
+    const int m_eventsPlace; // likewise
     int m_validCount = 0;
+    int m_lastOffset = 0; // where line and column are known
+    int m_lastLine = 1;
+    int m_lastColumn = 1;
 };
 
 bool isValid(EntryReason reason)
