@@ -246,8 +246,8 @@ void tst_Plan::assignment_data()
     QTest::newRow("a switch") << "display-monitoring=true" << 2 << "";
     QTest::newRow("no value") << "concurrent" << 2 << "\"concurrent\" is not of the form KEY=VALUE";
     QTest::newRow("no key") << "=3" << 2 << "\"=3\" is not of the form KEY=VALUE";
-    QTest::newRow("another key") << "concurent=3" << 2
-                                 << "\"concurent\" is no setting; there are age-confidence, ";
+    QTest::newRow("another key") << "parallel=3" << 2
+                                 << "\"parallel\" is no setting; there are age-confidence, ";
     QTest::newRow("a value out of range")
         << "concurrent=21" << 2 << "\"21\" is no value for concurrent";
     QTest::newRow("no number") << "concurrent=two" << 2 << "\"two\" is no value for concurrent";
