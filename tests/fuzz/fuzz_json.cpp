@@ -5,17 +5,18 @@
 #include "tests/fuzz/Finding.h"
 #include "tests/fuzz/Target.h"
 
-#include "demo/player/StageFile.h"
+#include "demo/player/StageContent.h"
 #include "demo/simulator/FramePlan.h"
 #include "demo/simulator/Recording.h"
 #include "demo/simulator/ScenarioReader.h"
+#include "demo/stage/StageFile.h"
 
 #include <QStringList>
 
 #include <algorithm>
 #include <limits>
 
-using Player::StageFile;
+using Stage::StageFile;
 
 namespace {
 
@@ -49,7 +50,7 @@ void lookAt(const StageFile &stage)
     Fuzz::expectSame(stage.screens().size(), ids.size(), "number of screens");
     for (const int id : ids) {
         stage.screenName(id);
-        const auto contents = stage.contents(id);
+        const auto contents = Player::stageContents(stage, id);
         for (const Player::StageContent &content : contents)
             Fuzz::expect(content.color.isValid(), "a card without a colour");
         stage.linkingScreens(id, 1);
