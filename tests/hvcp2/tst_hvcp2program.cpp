@@ -17,6 +17,16 @@
 
 using namespace KrTest;
 
+namespace {
+
+/// The program runs in another folder, on Windows perhaps on another drive.
+QString shippedStage(const char *name)
+{
+    return QFileInfo(QStringLiteral(KRHVC_STAGE_DIR "/") + QLatin1String(name)).absoluteFilePath();
+}
+
+} // namespace
+
 /// The program as its user starts it.
 class tst_Hvcp2Program : public QObject
 {
@@ -242,7 +252,7 @@ void tst_Hvcp2Program::namesInAnyScript()
 
 void tst_Hvcp2Program::noColorsInAPipe()
 {
-    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    const QString stage = shippedStage("shop-window.json");
     for (const char *const command : {"explain", "coverage"}) {
         const Result result = run({QString::fromLatin1(command), QStringLiteral("--stage"), stage});
         QCOMPARE(result.status, 0);
@@ -255,8 +265,8 @@ void tst_Hvcp2Program::coverageJson_data()
 {
     QTest::addColumn<QString>("fileName");
 
-    QTest::newRow("the shop window") << KRHVC_STAGE_DIR "/shop-window.json";
-    QTest::newRow("the station concourse") << KRHVC_STAGE_DIR "/station-concourse.json";
+    QTest::newRow("the shop window") << shippedStage("shop-window.json");
+    QTest::newRow("the station concourse") << shippedStage("station-concourse.json");
 }
 
 /// The keys that other programs read.
@@ -287,7 +297,7 @@ void tst_Hvcp2Program::pictureIsReplaced()
 {
     const QString picture = m_directory.filePath(QStringLiteral("map.svg"));
     QVERIFY(writeFile(picture, "something else"));
-    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    const QString stage = shippedStage("shop-window.json");
     const Result result = run({QStringLiteral("coverage"), QStringLiteral("--stage"), stage,
         QStringLiteral("-o"), QStringLiteral("map.svg")});
     QCOMPARE(result.status, 0);
@@ -316,7 +326,7 @@ void tst_Hvcp2Program::pictureThatCannotBeWritten()
     QFETCH(QString, name);
     QFETCH(QString, error);
 
-    const QString stage = QStringLiteral(KRHVC_STAGE_DIR "/shop-window.json");
+    const QString stage = shippedStage("shop-window.json");
     const Result result = run(
         {QStringLiteral("coverage"), QStringLiteral("--stage"), stage, QStringLiteral("-o"), name});
     const QString start = QLatin1String("hvcp2 coverage: ") + error;
