@@ -75,7 +75,7 @@ Choice decided(Gender gender, int age, const DetectionContents &contents)
     if (age >= 0)
         face.age = Measured<int>{age};
     const QList<CalculatedData> results
-        = determineSequences({face}, {face.size()}, {face.directionValue()}, contents);
+        = determineSequences({face}, {face.size()}, {UnknownDirectionValue}, contents);
     if (results.isEmpty())
         return {};
     const CalculatedData &result = results.constFirst();
