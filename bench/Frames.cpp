@@ -1,8 +1,6 @@
 #include "Frames.h"
 
-#include "core/screen/ContentEntry.h"
-#include "core/screen/Gender.h"
-#include "host/KrPluginKeys.h"
+#include "tests/support/LinkedStage.h"
 
 #include <QStringList>
 
@@ -13,9 +11,6 @@ namespace Bench {
 using namespace PluginKrHvcP2;
 
 namespace {
-
-constexpr int ContentAges = 10; // years that a content spans
-constexpr int FirstLinkedScreen = 100;
 
 QString countLine(int faces)
 {
@@ -81,17 +76,6 @@ void damage(QString &text, std::mt19937 &random)
         text.insert(position, letters.at(below(random, letters.size())));
 }
 
-QVariantMap event(int direction, int type, const QVariant &screenSequence)
-{
-    return {
-        {QStringLiteral("type"), type},
-        {QStringLiteral("direction"), direction},
-        {QStringLiteral("seq"), QVariantList()},
-        {QStringLiteral("id"), ScreenId},
-        {QStringLiteral("screenseq"), screenSequence},
-    };
-}
-
 } // namespace
 
 QString chunk(int faces)
@@ -113,35 +97,10 @@ QString randomChunk(std::mt19937 &random)
     return text;
 }
 
-QVariantMap screen(int contents)
-{
-    QVariantList entries;
-    for (int i = 0; i < contents; ++i) {
-        const int ageMin = i / 2 * ContentAges % HighestAge;
-        entries.append(contentEntry(QStringLiteral("content"), ageMin, ageMin + ContentAges - 1,
-            i % 2 == 0 ? Female : Male, i < 2));
-    }
-    return {{Kora::Keys::Id, ScreenId}, {Kora::Keys::Contents, entries}};
-}
-
-Kora::KrPluginStage stage(int contents, int links)
-{
-    const QString events = QStringLiteral("event");
-    QMap<int, QVariantMap> screens{{ScreenId, {{events, QVariantList{event(1, 2, QVariant())}}}}};
-    for (int number = 1; number <= contents; ++number) {
-        QVariantList list;
-        for (int link = 0; link < links; ++link)
-            list.append(event(2, 1, number));
-        screens.insert(FirstLinkedScreen + number, {{events, list}});
-    }
-    Kora::KrPluginStage stage;
-    stage.setScreens(screens);
-    return stage;
-}
-
 DetectionContents contentTable(int contents)
 {
-    return detectionContents(screen(contents), stage(contents).screens());
+    return detectionContents(
+        KrTest::linkedScreen(contents), KrTest::linkedStage(contents).screens());
 }
 
 QString facesText(int faces)

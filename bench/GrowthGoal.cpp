@@ -5,6 +5,7 @@
 #include "detection/Determination.h"
 #include "detection/SendRestriction.h"
 #include "detection/SensorOutputParser.h"
+#include "tests/support/LinkedStage.h"
 
 #include <algorithm>
 #include <functional>
@@ -81,7 +82,8 @@ Step decideContents(int count)
 
 Step readTable(int contents, int links)
 {
-    return [map = screen(contents), screens = stage(contents, links).screens()] {
+    return [map = KrTest::linkedScreen(contents),
+               screens = KrTest::linkedStage(contents, links).screens()] {
         detectionTable(map, screens);
     };
 }

@@ -5,6 +5,7 @@
 #include "host/KrPluginExtScreenInterface.h"
 #include "host/KrPluginGraphicsItem.h"
 #include "host/KrPluginKeys.h"
+#include "tests/support/LinkedStage.h"
 
 #include <QCoreApplication>
 
@@ -35,8 +36,8 @@ HostedPlugin::HostedPlugin(int contents, Panel panel)
 
     m_plugin->setPath(m_directory.path());
     m_plugin->setLogSetting(m_directory.path());
-    m_plugin->setStage(stage(contents));
-    m_plugin->setPluginData(screen(contents));
+    m_plugin->setStage(KrTest::linkedStage(contents));
+    m_plugin->setPluginData(KrTest::linkedScreen(contents));
     m_plugin->setParams({
         {Kora::Keys::EventSendingLimit, 0},
         {Kora::Keys::DisplayMonitoring, panel == ShownPanel ? Kora::Keys::True : Kora::Keys::False},

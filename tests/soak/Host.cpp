@@ -1,7 +1,6 @@
 #include "Host.h"
 
 #include "Judgement.h"
-#include "Stage.h"
 
 #include "host/KrPluginExtScreenInterface.h"
 #include "host/KrPluginGraphicsItem.h"
@@ -9,6 +8,7 @@
 #include "host/KrPluginKeys.h"
 #include "host/KrPluginStatus.h"
 #include "tests/support/Files.h"
+#include "tests/support/LinkedStage.h"
 #include "tests/support/OwnProcess.h"
 #include "tests/support/SensorProgram.h"
 
@@ -257,8 +257,8 @@ void Host::later(int ms, const std::function<void()> &followUp)
 
 void Host::initialize(int contents)
 {
-    m_plugin->setStage(stage(contents));
-    m_plugin->setPluginData(screen(contents));
+    m_plugin->setStage(KrTest::linkedStage(contents));
+    m_plugin->setPluginData(KrTest::linkedScreen(contents));
     m_plugin->init();
     // A host is not told of frames. What sends them to the plug-in is new after each init().
     const QObjectList children = m_object->children();
