@@ -7,8 +7,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <string>
 
 #include <sys/syscall.h>
 #include <sys/types.h>
@@ -43,7 +43,9 @@ struct ProcessState
 std::optional<ProcessState> readState(ProcessId id)
 {
     std::ifstream file(processDirectory(id) / "stat");
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string text;
+    // Reading fails when the process ends after the opening; iterators of the buffer would throw.
+    std::getline(file, text, '\0');
     const auto open = text.find('(');
     const auto close = text.rfind(')'); // the command may hold parentheses itself
     if (open == std::string::npos || close == std::string::npos || close < open

@@ -1,11 +1,14 @@
 #include "ProcessListFixture.h"
 #include "tests/support/Files.h"
+#include "tests/support/RefusedCalls_linux.h"
 
 #include <QtTest>
 
 #include <algorithm>
 #include <array>
+#include <thread>
 
+#include <cerrno>
 #include <csignal>
 #include <spawn.h>
 #include <sys/prctl.h>
@@ -32,6 +35,7 @@ private slots:
     void ownProcessDoesNotCount();
     void zombiesDoNotCount();
     void endingAZombie();
+    void processesThatCannotBeRead();
     void endingASuspendedProgram();
 };
 
@@ -222,6 +226,28 @@ void tst_ProcessListLinux::endingASuspendedProgram()
     QCOMPARE(programs.found(), Ids{idOf(process)});
     QVERIFY(ProcessList::end(idOf(process), programs.name));
     QVERIFY(process->waitForFinished());
+}
+
+/// A process that ends between the opening of its state and the reading is answered with ESRCH.
+void tst_ProcessListLinux::processesThatCannotBeRead()
+{
+    NamedPrograms programs;
+    const QProcess *process = programs.run(programs.copyOfProgram(programs.fileName()));
+    QVERIFY(process != nullptr);
+
+    bool refused = false;
+    Ids found{idOf(process)};
+    bool ended = true;
+    std::thread caller([&] { // what is refused to a thread stays refused to it
+        refused = refuseCalls({SYS_read, SYS_readv, SYS_pread64}, ESRCH);
+        found = programs.found();
+        ended = ProcessList::end(idOf(process), programs.name);
+    });
+    caller.join();
+    QVERIFY(refused);
+    QCOMPARE(found, Ids());
+    QVERIFY(!ended);
+    QCOMPARE(programs.found(), Ids{idOf(process)});
 }
 
 QTEST_GUILESS_MAIN(tst_ProcessListLinux)
