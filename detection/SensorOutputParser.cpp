@@ -136,6 +136,14 @@ QString SensorOutputParser::plainText(const QString &chunk)
     return text;
 }
 
+bool SensorOutputParser::isLabel(QStringView label)
+{
+    const bool isKnown = startsWith(label, u"Age") || startsWith(label, u"Gender")
+        || startsWith(label, u"Face Direction")
+        || (startsWithIgnoringCase(label, u"Index:") && valueNumber(tokenValue(label)));
+    return isKnown && !isError(label);
+}
+
 SensorOutputParser::SensorOutputParser(const QDateTime &time)
     : m_time(time)
 { }

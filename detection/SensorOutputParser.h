@@ -37,6 +37,9 @@ public:
     /// The lines of @p chunk that parse() makes rows of, trimmed; empty ones are left out.
     static QString plainText(const QString &chunk);
 
+    /// Whether parse() reads the text behind @p label, the first field of a line.
+    static bool isLabel(QStringView label);
+
 private:
     explicit SensorOutputParser(const QDateTime &time);
 

@@ -136,6 +136,8 @@ private slots:
     void oddBytes_data();
     void oddBytes();
     void manyFaces();
+    void labels_data();
+    void labels();
 };
 
 void tst_SensorOutputParser::wholeFrames_data()
@@ -763,6 +765,42 @@ void tst_SensorOutputParser::manyFaces()
     QCOMPARE(frame.faces.size(), Count);
     QCOMPARE(frame.sizes.last(), Count - 1);
     QCOMPARE(brokenRule(frame), QString());
+}
+
+void tst_SensorOutputParser::labels_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<bool>("isLabel");
+
+    QTest::newRow("an index") << "Index:0"_s << true;
+    QTest::newRow("an index in other letters") << "INDEX:12"_s << true;
+    QTest::newRow("an index with more behind it") << "Index:3:x"_s << true;
+    QTest::newRow("an index that is no number") << "Index:x"_s << false;
+    QTest::newRow("an index without number") << "Index:"_s << false;
+    QTest::newRow("an age") << "Age"_s << true;
+    QTest::newRow("an age in other letters") << "age"_s << false;
+    QTest::newRow("what begins like an age") << "Ages of x"_s << true;
+    QTest::newRow("a gender") << "Gender"_s << true;
+    QTest::newRow("a direction") << "Face Direction"_s << true;
+    QTest::newRow("half a direction") << "Face"_s << false;
+    QTest::newRow("a failure") << "Age Failed x"_s << false;
+    QTest::newRow("a face count") << "Face result count:1"_s << false;
+    QTest::newRow("another") << "Blink"_s << false;
+    QTest::newRow("none") << QString() << false;
+}
+
+/// A label is one whose value changes the face, or is shown.
+void tst_SensorOutputParser::labels()
+{
+    QFETCH(QString, label);
+    QFETCH(bool, isLabel);
+
+    QCOMPARE(SensorOutputParser::isLabel(label), isLabel);
+    const QString value = "X:1 Y:2 Size:3 Confidence:4 Age:5 Gender:Male LR:6"_s;
+    const SensorFrame frame
+        = SensorOutputParser::parse("Index:1\t-\n%1\t%2\nGender"_s.arg(label, value), QDateTime());
+    const bool isRead = !frame.faces.isEmpty();
+    QCOMPARE(isRead, isLabel);
 }
 
 QTEST_GUILESS_MAIN(tst_SensorOutputParser)
