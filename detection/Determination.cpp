@@ -1,6 +1,7 @@
 #include "detection/Determination.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace PluginKrHvcP2 {
 
@@ -64,28 +65,44 @@ ContentMatch matchContent(const FaceResult &face, const DetectionContents &conte
     return {};
 }
 
+Prominence::Prominence(QVector<int> sizes, QVector<int> directionValues)
+    : m_sizes(std::move(sizes))
+    , m_directionValues(std::move(directionValues))
+{
+    std::sort(m_sizes.begin(), m_sizes.end());
+    std::sort(m_directionValues.begin(), m_directionValues.end());
+}
+
+int Prominence::sizeRank(const FaceResult &face) const
+{
+    return lastPosition(m_sizes, face.size());
+}
+
+int Prominence::directionRank(const FaceResult &face) const
+{
+    return m_directionValues.size() - firstPosition(m_directionValues, face.directionValue());
+}
+
+double Prominence::score(const FaceResult &face) const
+{
+    return sizeRank(face) + directionRank(face) * DirectionWeight;
+}
+
 QList<CalculatedData> determineSequences(const QList<FaceResult> &faces, QVector<int> sizes,
     QVector<int> directionValues, const DetectionContents &contents)
 {
     if (faces.isEmpty())
         return {};
 
-    std::sort(sizes.begin(), sizes.end());
-    std::sort(directionValues.begin(), directionValues.end());
-
+    const Prominence prominence(std::move(sizes), std::move(directionValues));
     QList<CalculatedData> results;
     for (const FaceResult &face : faces) {
         const ContentMatch match = matchContent(face, contents);
         if (!match.isValid())
             continue;
-        const int sizeRank = lastPosition(sizes, face.size());
-        const int directionRank
-            = directionValues.size() - firstPosition(directionValues, face.directionValue());
-
         CalculatedData result;
         result.faceIndex = face.index;
-        result.score = sizeRank + directionRank * DirectionWeight;
-        result.score += match.bonus;
+        result.score = prominence.score(face) + match.bonus;
         result.seqNumber = contents.at(match.position).sequenceNumber;
         result.restrictionKeys = contents.at(match.position).identifiers;
         result.time = face.time;

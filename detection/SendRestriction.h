@@ -15,6 +15,9 @@ public:
     /// @p now even when another one does not. A clock that was set back restricts for that long.
     bool admit(const QList<int> &identifiers, const QDateTime &now, int limitMs);
 
+    /// Milliseconds after @p now until admit() would be true; 0: it is now.
+    qint64 remainingMs(const QList<int> &identifiers, const QDateTime &now, int limitMs) const;
+
 private:
     QHash<int, QDateTime> m_lastSent; // by identifier
 };

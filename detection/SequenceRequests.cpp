@@ -11,4 +11,9 @@ SequenceRequests::Answer SequenceRequests::request(qint64 number, const QDateTim
                                                                   : Answer::Restricted;
 }
 
+qint64 SequenceRequests::remainingMs(qint64 number, const QDateTime &now, int limitMs) const
+{
+    return m_restriction.remainingMs(findContent(m_contents, number).identifiers, now, limitMs);
+}
+
 } // namespace PluginKrHvcP2

@@ -26,6 +26,10 @@ public:
     /// screen follows lie at least @p limitMs milliseconds.
     Answer request(qint64 number, const QDateTime &now, int limitMs);
 
+    /// Milliseconds after @p now until the sequence @p number would be admitted; 0: it is now, or
+    /// is unknown.
+    qint64 remainingMs(qint64 number, const QDateTime &now, int limitMs) const;
+
 private:
     DetectionContents m_contents;
     SendRestriction m_restriction;

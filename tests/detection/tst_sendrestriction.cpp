@@ -33,6 +33,8 @@ class tst_SendRestriction : public QObject
 private slots:
     void admit_data();
     void admit();
+    void remaining_data();
+    void remaining();
     void separateObjects();
     void timeZoneDoesNotMatter();
 };
@@ -97,6 +99,37 @@ void tst_SendRestriction::admit()
             restriction.admit(request.identifiers, now, request.limitMs) ? '+' : '-');
     }
     QCOMPARE(admitted, expected);
+}
+
+void tst_SendRestriction::remaining_data()
+{
+    QTest::addColumn<QList<int>>("identifiers");
+    QTest::addColumn<int>("atMs"); // 1 was sent at 0, 2 at 1000
+    QTest::addColumn<qint64>("expected");
+
+    QTest::newRow("sent at once") << QList<int>{1} << 0 << qint64{5000};
+    QTest::newRow("later") << QList<int>{1} << 4999 << qint64{1};
+    QTest::newRow("exactly at the limit") << QList<int>{1} << 5000 << qint64{0};
+    QTest::newRow("long ago") << QList<int>{1} << 60000 << qint64{0};
+    QTest::newRow("never sent") << QList<int>{3} << 0 << qint64{0};
+    QTest::newRow("the last of several counts") << QList<int>{1, 2, 3} << 2000 << qint64{4000};
+    QTest::newRow("the clock was set back") << QList<int>{1} << -1000 << qint64{6000};
+    QTest::newRow("for nobody") << QList<int>() << 0 << qint64{0};
+}
+
+void tst_SendRestriction::remaining()
+{
+    QFETCH(QList<int>, identifiers);
+    QFETCH(int, atMs);
+
+    constexpr int Limit = 5000;
+    SendRestriction restriction;
+    QVERIFY(restriction.admit({1}, start(), Limit));
+    QVERIFY(restriction.admit({2}, start().addMSecs(1000), Limit));
+    const QDateTime now = start().addMSecs(atMs);
+    QTEST(restriction.remainingMs(identifiers, now, Limit), "expected");
+    QCOMPARE(restriction.remainingMs(identifiers, now, Limit) == 0,
+        restriction.admit(identifiers, now, Limit));
 }
 
 void tst_SendRestriction::separateObjects()
