@@ -1,6 +1,7 @@
 #include "log/LogFormat.h"
 #include "tests/support/Files.h"
 #include "tools/analysis/EntrySource.h"
+#include "tools/analysis/RecordingTimes.h"
 
 #include <QDir>
 #include <QFile>
@@ -78,6 +79,9 @@ private slots:
     void fileKinds_data();
     void fileKinds();
     void recordedTimes();
+    void timesBesideARecording_data();
+    void timesBesideARecording();
+    void directoryOfRecordings();
     void severalPaths();
     void refused_data();
     void refused();
@@ -198,6 +202,73 @@ void tst_EntrySource::recordedTimes()
     QVERIFY(!source->next());
 }
 
+void tst_EntrySource::timesBesideARecording_data()
+{
+    QTest::addColumn<QByteArray>("times");
+    QTest::addColumn<QString>("expected"); // milliseconds of each frame, or a problem
+
+    // The recording has frames at 0, 20 and 40.
+    QTest::newRow("none") << QByteArray() << "-|-|-";
+    QTest::newRow("a piece for each frame")
+        << recordedTime(0, 5) + recordedTime(20, 6) + recordedTime(40, 7) << "5|6|7";
+    QTest::newRow("frames in one piece") << recordedTime(0, 5) + recordedTime(40, 7) << "5|5|7";
+    QTest::newRow("a frame in pieces")
+        << recordedTime(0, 5) + recordedTime(19, 6) + recordedTime(21, 7) + recordedTime(22, 8)
+        << "5|6|8";
+    QTest::newRow("no time for the first") << recordedTime(20, 6) << "-|6|6";
+    QTest::newRow("a clock that was set back")
+        << recordedTime(0, 5) + recordedTime(20, 3) << "5|3|3";
+    QTest::newRow("no line end") << recordedTime(0, 5) + "20 6"
+                                 << "5|6|6";
+    QTest::newRow("lines of another file") << recordedTime(0, 5) + "x y\n20\n20 6 7\n0x14 6\n"
+            + recordedTime(40, 7) << "r.times:2 this is no time of a recording|5|5|7";
+    QTest::newRow("an offset that goes back") << recordedTime(0, 5) + recordedTime(20, 6)
+            + recordedTime(10, 7) << "5|r.times:3 this is no time of a recording|6|6";
+}
+
+void tst_EntrySource::timesBesideARecording()
+{
+    QFETCH(QByteArray, times);
+    QFETCH(QString, expected);
+
+    const QByteArray frame("Face result count:0\n");
+    QCOMPARE(frame.size(), 20);
+    const QString recording = path(QStringLiteral("r"));
+    QVERIFY(writeFile(recording, frame + frame + frame));
+    if (!times.isEmpty())
+        QVERIFY(writeFile(timesFileName(recording), times));
+    QString error;
+    const auto source = EntrySource::open({recording}, &error);
+    QVERIFY2(source, qPrintable(error));
+    QStringList actual;
+    while (const std::optional<Entry> entry = source->next()) {
+        if (entry->kind == Entry::Unknown) {
+            actual << QStringLiteral("%1:%2 %3")
+                          .arg(QFileInfo(entry->position.file).fileName(),
+                              QString::number(entry->position.line), entry->text);
+        } else {
+            actual << (entry->time.isNull() ? QStringLiteral("-")
+                                            : QString::number(entry->time.toMSecsSinceEpoch()));
+        }
+    }
+    QCOMPARE(actual.join(QLatin1Char('|')), expected);
+}
+
+void tst_EntrySource::directoryOfRecordings()
+{
+    const QDateTime first(QDate(2018, 2, 1), QTime(9, 30, 0, 250));
+    QCOMPARE(recordingFileName(first), QStringLiteral("HvcCon_20180201_093000_250.out"));
+    for (const int hours : {1, 0}) {
+        const QString name = recordingFileName(first.addSecs(hours * 3600));
+        QVERIFY(writeFile(path(name), "Face result count:0\n"));
+        QVERIFY(writeFile(timesFileName(path(name)), "0 5\n"));
+    }
+    QVERIFY(writeFile(path(QStringLiteral("HvcCon_20180201.out")), "Face result count:0\n"));
+    QCOMPARE(readAll({m_directory->path()}),
+        QStringList({QStringLiteral("HvcCon_20180201_093000_250.out:1 1 Face result count:0|"),
+            QStringLiteral("HvcCon_20180201_103000_250.out:1 1 Face result count:0|")}));
+}
+
 void tst_EntrySource::severalPaths()
 {
     QVERIFY(writeFile(path(QStringLiteral("b")), determined(1)));
@@ -214,8 +285,9 @@ void tst_EntrySource::refused_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("a directory without logs") << "."
-                                              << "holds no log files of the plug-in";
+    QTest::newRow("a directory without logs")
+        << "."
+        << "holds neither log files of the plug-in nor recordings";
     QTest::newRow("nothing") << "none"
                              << "no such file";
     QTest::newRow("nothing in a directory that does not exist") << "none/x"

@@ -33,17 +33,28 @@ bool isLogFileName(const QString &name)
     return date.isValid() && name == LogFormat::logFileName(BaseName, date, Extension);
 }
 
-/// By date. Pipes and devices are not among them.
-QStringList logFiles(const QString &path)
+/// Those that @p isWanted of one directory, by name, which is by date. Pipes and devices are not
+/// among them.
+QStringList filesIn(const QString &path, bool (*isWanted)(const QString &name))
 {
     const QDir directory(path);
     QStringList files;
     const QStringList names = directory.entryList(QDir::Files);
     for (const QString &name : names) {
-        if (isLogFileName(name))
+        if (isWanted(name))
             files.append(directory.filePath(name));
     }
     std::sort(files.begin(), files.end());
+    return files;
+}
+
+QStringList filesIn(const QString &path)
+{
+    QStringList files = filesIn(path, isLogFileName);
+    if (files.isEmpty())
+        files = filesIn(QDir(path).filePath(PluginName), isLogFileName);
+    if (files.isEmpty())
+        files = filesIn(path, isRecordingFileName);
     return files;
 }
 
@@ -66,11 +77,9 @@ std::unique_ptr<EntrySource> EntrySource::open(const QStringList &paths, QString
         QStringList found{path};
         QString reason;
         if (QFileInfo(path).isDir()) {
-            found = logFiles(path);
+            found = filesIn(path);
             if (found.isEmpty())
-                found = logFiles(QDir(path).filePath(PluginName));
-            if (found.isEmpty())
-                reason = tr("holds no log files of the plug-in");
+                reason = tr("holds neither log files of the plug-in nor recordings");
         } else if (path != StandardInput) {
             reason = Demo::UserFile::objection(path);
         }

@@ -21,13 +21,12 @@ class EntrySource
 
 public:
     /// Each of @p paths is
-    /// - a directory of the plug-in's log files, or the log directory of the host that it is in:
-    /// its
-    ///   files by date;
+    /// - a directory of the plug-in's log files, or the log directory of the host that it is in, or
+    ///   one of recordings: its files by date;
     /// - a log file or a recording; by its name ("..._yyyyMMdd.txt" of the plug-in), else its first
     ///   bytes;
     /// - "-": standard input, either of them. A live one is read in blocks, so that entries come
-    /// late.
+    ///   late.
     ///
     /// Nothing, and "path: reason" in @p error, when there is nothing to read in one of them. A
     /// file that cannot be read any more later is an Unknown entry.

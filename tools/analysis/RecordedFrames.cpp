@@ -1,5 +1,7 @@
 #include "tools/analysis/RecordedFrames.h"
 
+#include <utility>
+
 namespace Analysis {
 
 using Simulation::RecordedPart;
@@ -9,10 +11,13 @@ RecordedFrames::RecordedFrames(QIODevice *device, const Position &start)
     : m_start(start)
     , m_position(start)
     , m_reader(device, MaxBlockBytes)
+    , m_times(timesFileName(start.file))
 { }
 
 std::optional<Entry> RecordedFrames::next()
 {
+    if (m_waiting)
+        return std::exchange(m_waiting, std::nullopt);
     const std::optional<RecordedPart> part = m_reader.next();
     if (!part)
         return std::nullopt;
@@ -25,9 +30,22 @@ std::optional<Entry> RecordedFrames::next()
     }
     entry.kind = Entry::Frame;
     entry.text = QString::fromUtf8(part->block.text);
-    if (m_reader.isTimed())
-        entry.time = QDateTime::fromMSecsSinceEpoch(part->block.timeMs, Qt::UTC);
-    return entry;
+    entry.time = timeOf(*part);
+    const qint64 line = m_times.takeUnreadableLine();
+    if (line == 0)
+        return entry;
+    m_waiting = entry;
+    Entry problem;
+    problem.position = {timesFileName(m_start.file), line, 0};
+    problem.text = tr("this is no time of a recording");
+    return problem;
+}
+
+QDateTime RecordedFrames::timeOf(const RecordedPart &part)
+{
+    const std::optional<qint64> timeMs = m_reader.isTimed() ? std::make_optional(part.block.timeMs)
+                                                            : m_times.timeAt(m_position.offset);
+    return timeMs ? QDateTime::fromMSecsSinceEpoch(*timeMs, Qt::UTC) : QDateTime();
 }
 
 bool RecordedFrames::isRecording(const QByteArray &bytes)
