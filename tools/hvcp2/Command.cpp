@@ -2,11 +2,39 @@
 
 #include "demo/support/UserFile.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include <algorithm>
+#include <iterator>
+
 namespace Hvcp2 {
+
+namespace {
+
+const QString Settings = QStringLiteral("settings");
+
+/// "--settings a=1 b=2" leaves the second one to the other arguments.
+bool isAssignment(const QCommandLineParser &given, const QString &argument)
+{
+    return given.optionNames().contains(Settings) && argument.contains(QLatin1Char('='))
+        && !QFileInfo::exists(argument);
+}
+
+QStringList givenAssignments(const QCommandLineParser &given)
+{
+    if (!given.optionNames().contains(Settings)) // not every command has it
+        return {};
+    QStringList assignments = given.values(Settings);
+    const QStringList arguments = given.positionalArguments();
+    std::copy_if(arguments.cbegin(), arguments.cend(), std::back_inserter(assignments),
+        [&](const QString &argument) { return isAssignment(given, argument); });
+    return assignments;
+}
+
+} // namespace
 
 ExitStatus refuse(const Command &command, const QString &reason, Console &console)
 {
@@ -24,6 +52,12 @@ QCommandLineOption screenOption()
     return {QStringLiteral("screen"),
         QStringLiteral("The screen (default: the one that the stage plays)."),
         QStringLiteral("ID")};
+}
+
+QCommandLineOption settingsOption()
+{
+    return {Settings, QStringLiteral("Other values for settings of the screen."),
+        QStringLiteral("KEY=VALUE...")};
 }
 
 QCommandLineOption jsonOption()
@@ -48,7 +82,27 @@ std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString
             return std::nullopt;
         }
     }
-    return Analysis::readPlan(stage, screen, error);
+    std::optional<Analysis::Plan> plan = Analysis::readPlan(stage, screen, error);
+    const QStringList assignments = givenAssignments(given);
+    for (const QString &assignment : assignments) {
+        if (plan && !Analysis::assignSetting(assignment, &plan->settings, error))
+            return std::nullopt;
+    }
+    return plan;
+}
+
+QStringList givenFrames(const QCommandLineParser &given)
+{
+    QStringList frames = given.positionalArguments();
+    frames.erase(std::remove_if(frames.begin(), frames.end(),
+                     [&](const QString &argument) { return isAssignment(given, argument); }),
+        frames.end());
+    return frames;
+}
+
+bool isGiven(const QCommandLineParser &given, const QCommandLineOption &option)
+{
+    return given.isSet(option.names().constFirst());
 }
 
 void printJson(const QJsonObject &document, Console &console)

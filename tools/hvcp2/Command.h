@@ -19,6 +19,7 @@ enum ExitStatus {
     Fine = 0,
     FoundSomething = 1, ///< the command did its work and found something wrong
     BadUse = 2, ///< or bad input
+    Interrupted = 130, ///< by Ctrl+C; the number is the one that shells expect
 };
 
 /// One of the program's commands.
@@ -29,6 +30,7 @@ struct Command
     QString summary; ///< a line
     QString description; ///< lines of 80 characters at most, the last one without its end
     QList<QCommandLineOption> options;
+    bool takesFrames = false; ///< whether there may be arguments besides the options
     QStringList examples; ///< what follows the program's name
     ExitStatus (*run)(const QCommandLineParser &given, Console &console) = nullptr;
 };
@@ -39,11 +41,17 @@ ExitStatus refuse(const Command &command, const QString &reason, Console &consol
 // Options that several commands have.
 QCommandLineOption stageOption();
 QCommandLineOption screenOption();
+QCommandLineOption settingsOption();
 QCommandLineOption jsonOption();
 
-/// The plan that --stage and --screen name. Nothing, and the reason in @p error, when there is
-/// none.
+/// The plan that --stage and --screen name, with the --settings that there are. Nothing, and the
+/// reason in @p error, when there is none.
 std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error);
+
+/// The arguments that are no options, and no KEY=VALUE that belongs to --settings.
+QStringList givenFrames(const QCommandLineParser &given);
+
+bool isGiven(const QCommandLineParser &given, const QCommandLineOption &option);
 
 void printJson(const QJsonObject &document, Console &console);
 

@@ -12,6 +12,7 @@ struct Console
     QTextStream &out;
     QTextStream &error;
     Paint paint; ///< of what goes to out
+    bool isErrorTerminal = false; ///< whether somebody watches what goes to error
 };
 
 } // namespace Hvcp2

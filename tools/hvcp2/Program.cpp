@@ -120,7 +120,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
     } else if (parser.isSet(helpOption().names().constFirst())) {
         console.out << commandHelp(command);
         return Fine;
-    } else if (!parser.positionalArguments().isEmpty()) {
+    } else if (!command.takesFrames && !parser.positionalArguments().isEmpty()) {
         reason = QStringLiteral("Unexpected argument '%1'.")
                      .arg(parser.positionalArguments().constFirst());
     }

@@ -8,4 +8,6 @@ namespace Hvcp2 {
 /// output may have: none in a file or a pipe, and none where the variable NO_COLOR is set.
 Paint::Depth prepareStandardOutput();
 
+bool isStandardErrorTerminal();
+
 } // namespace Hvcp2

@@ -17,4 +17,9 @@ Paint::Depth prepareStandardOutput()
     return colors == "truecolor" || colors == "24bit" ? Paint::Full : Paint::Basic;
 }
 
+bool isStandardErrorTerminal()
+{
+    return isatty(STDERR_FILENO) != 0;
+}
+
 } // namespace Hvcp2

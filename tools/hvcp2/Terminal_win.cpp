@@ -24,4 +24,10 @@ Paint::Depth prepareStandardOutput()
     return hasColors ? Paint::Full : Paint::None;
 }
 
+bool isStandardErrorTerminal()
+{
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
 } // namespace Hvcp2

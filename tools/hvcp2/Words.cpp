@@ -64,6 +64,30 @@ QString asKey(QString word)
     return word.replace(QLatin1Char(' '), QLatin1Char('-'));
 }
 
+QString timeWord(const QDateTime &time, int toleranceMs)
+{
+    QString word = time.toString(toleranceMs > 0 ? QStringLiteral("yyyy-MM-dd HH:mm:ss")
+                                                 : QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
+    if (time.timeSpec() == Qt::UTC)
+        word += QLatin1String(" UTC");
+    return word;
+}
+
+QString durationWord(qint64 ms)
+{
+    const auto twoDigits
+        = [](qint64 number) { return QString::number(number).rightJustified(2, QLatin1Char('0')); };
+    const qint64 minutes = ms / 60000;
+    if (minutes == 0)
+        return QStringLiteral("%1.%2 s").arg(
+            QString::number(ms / 1000), QString::number(ms / 100 % 10));
+    if (minutes < 60)
+        return QStringLiteral("%1 min %2 s")
+            .arg(QString::number(minutes), twoDigits(ms / 1000 % 60));
+    return QStringLiteral("%1 h %2 min")
+        .arg(QString::number(minutes / 60), twoDigits(minutes % 60));
+}
+
 QString contentWord(const Plan &plan, int number)
 {
     return QStringLiteral("#%1 %2")

@@ -4,6 +4,7 @@
 #include "tools/analysis/Coverage.h"
 #include "tools/analysis/Plan.h"
 
+#include <QDateTime>
 #include <QString>
 
 /// What values are called, for people and in JSON.
@@ -14,6 +15,11 @@ QString fitWord(Analysis::Choice::Fit fit); ///< "fits", "default", "age alone",
 QString genderWord(PluginKrHvcP2::Gender gender); ///< "female", "male", "unknown"
 QString agesWord(const Analysis::AgeRange &ages); ///< "20-29", "20" for a single year
 QString asKey(QString word); ///< "ages-reversed"
+
+/// "2018-02-01 09:30:00", in the time of its source; with milliseconds unless they are unknown,
+/// with "UTC" when it is in that.
+QString timeWord(const QDateTime &time, int toleranceMs);
+QString durationWord(qint64 ms); ///< "0.5 s", "2 min 05 s", "3 h 02 min"
 
 QString contentWord(const Analysis::Plan &plan, int number); ///< "#3 Women 20-39"
 QString screenWord(const Analysis::Plan &plan); ///< "Shop window, screen 1 (Window)"

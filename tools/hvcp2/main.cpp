@@ -10,7 +10,8 @@ int main(int argc, char *argv[])
     QTextStream error(stderr);
     out.setCodec("UTF-8");
     error.setCodec("UTF-8");
-    Hvcp2::Console console{out, error, Hvcp2::Paint(Hvcp2::prepareStandardOutput())};
+    Hvcp2::Console console{
+        out, error, Hvcp2::Paint(Hvcp2::prepareStandardOutput()), Hvcp2::isStandardErrorTerminal()};
     const Hvcp2::ExitStatus status = Hvcp2::runProgram(
         QCoreApplication::arguments().mid(1), QStringLiteral(KRHVC_VERSION), console);
     out.flush();
