@@ -120,8 +120,13 @@ void RecordingReader::takeTimeStamp(const QByteArray &trimmedLine)
     m_isTimed = m_isTimed || isFirst;
     if (m_isTimed)
         startBlock(problem.isEmpty() ? *timeMs : earlierMs);
-    if (!problem.isEmpty())
-        addProblem(problem);
+    if (problem.isEmpty())
+        return;
+    const RecordedPart part{{}, problem, m_lineNumber, m_lineOffset};
+    if (m_isTimed)
+        m_ready.push_back(part);
+    else if (!m_leftOut)
+        m_leftOut = part;
 }
 
 void RecordingReader::takeText()
@@ -152,11 +157,8 @@ void RecordingReader::finishBlock()
     if (m_part && !m_isTooLong)
         m_ready.push_back(*std::exchange(m_part, std::nullopt));
     m_part.reset();
-}
-
-void RecordingReader::addProblem(const QString &problem)
-{
-    m_ready.push_back(RecordedPart{{}, problem, m_lineNumber, m_lineOffset});
+    if (m_leftOut)
+        m_ready.push_back(*std::exchange(m_leftOut, std::nullopt));
 }
 
 } // namespace Simulation

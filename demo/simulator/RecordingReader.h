@@ -37,10 +37,8 @@ public:
     /// Whether the first line of @p bytes makes a recording one with times.
     static bool beginsWithTime(const QByteArray &bytes);
 
-    bool isTimed() const
-    {
-        return m_isTimed;
-    } ///< whether the blocks have times; known with the first
+    /// Whether the blocks have times; known with the first.
+    bool isTimed() const { return m_isTimed; }
 
 private:
     bool readLine();
@@ -49,7 +47,6 @@ private:
     void takeText();
     void startBlock(qint64 timeMs);
     void finishBlock();
-    void addProblem(const QString &problem);
 
     QIODevice *m_device;
     int m_maxBlockBytes;
@@ -65,6 +62,7 @@ private:
     bool m_isCounted = false; // a block has its face count
     bool m_isTooLong = false; // the block at hand
     std::optional<RecordedPart> m_part; // the block at hand
+    std::optional<RecordedPart> m_leftOut; // the first such line within the block at hand
     std::deque<RecordedPart> m_ready;
 };
 

@@ -63,7 +63,7 @@ void tst_RecordingReader::parts_data()
     QTest::newRow("behind a time in a recording without")
         << QByteArray("x\n@5\ny\n")
         << QByteArrayList(
-               {"2:2 a time stamp in a recording that does not begin with one", "1:0 0 x\ny\n"});
+               {"1:0 0 x\ny\n", "2:2 a time stamp in a recording that does not begin with one"});
     QTest::newRow("a block of the allowed length")
         << QByteArray("@5\n" + QByteArray(39, 'x') + "\n@6\ny\n")
         << QByteArrayList({"1:0 5 " + QByteArray(39, 'x') + "\n", "3:43 6 y\n"});
