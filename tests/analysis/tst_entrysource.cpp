@@ -158,6 +158,8 @@ void tst_EntrySource::fileKinds_data()
         {QStringLiteral("f:1 1 x|"),
             QStringLiteral("f:3 0 the time stamp is earlier than the one before"),
             QStringLiteral("f:3 1 y|")});
+    add("a recorded NUL", "f", QByteArray("Face result count:0\nA\0B\n", 24),
+        {QStringLiteral("f:1 1 Face result count:0|A") + QChar(0) + QStringLiteral("B|")});
     add("a recorded failure", "f", "Failed to open COM port.\n",
         {QStringLiteral("f:1 1 Failed to open COM port.|")});
     add("another text", "f", "Dear all,\nit Failed to start.\n", {foreign});

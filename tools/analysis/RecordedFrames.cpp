@@ -21,15 +21,16 @@ std::optional<Entry> RecordedFrames::next()
     const std::optional<RecordedPart> part = m_reader.next();
     if (!part)
         return std::nullopt;
-    m_position = {m_start.file, m_start.line + part->line - 1, m_start.offset + part->offset};
     Entry entry;
-    entry.position = m_position;
+    entry.position = {m_start.file, m_start.line + part->line - 1, m_start.offset + part->offset};
     if (part->isProblem()) {
         entry.text = part->problem;
         return entry;
     }
+    m_position = entry.position; // not of a problem: what is wrong may be right without its block
     entry.kind = Entry::Frame;
-    entry.text = QString::fromUtf8(part->block.text);
+    const QByteArray &text = part->block.text;
+    entry.text = QString::fromUtf8(text.constData(), text.size()); // keeps NULs
     entry.time = timeOf(*part);
     const qint64 line = m_times.takeUnreadableLine();
     if (line == 0)
