@@ -41,6 +41,8 @@ private slots:
     void stages();
     void pictures_data();
     void pictures();
+    void frames_data();
+    void frames();
 
 private:
     static void compare(const QString &actual, const QString &fileName);
@@ -141,6 +143,34 @@ void tst_Hvcp2Golden::pictures()
         reader.readNext();
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
     compare(picture, stage + QLatin1String(".coverage.svg"));
+}
+
+void tst_Hvcp2Golden::frames_data()
+{
+    QTest::addColumn<QString>("name"); // of the file with the output
+    QTest::addColumn<QString>("arguments"); // separated by blanks
+
+    const auto add = [](const char *name, const char *arguments) {
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(arguments);
+    };
+    add("compare.stages", "compare shop.rec --stage window.json --stage door.json");
+    add("compare.settings",
+        "compare shop.rec --stage door.json --settings concurrent=2 event-sending-limit=1000");
+    add("compare.empty", "compare shop.rec --stage window.json --stage empty.json");
+}
+
+void tst_Hvcp2Golden::frames()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, arguments);
+
+    const QStringList words = arguments.split(QLatin1Char(' '));
+    const QString text = run(words);
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+    compare(text, name + QLatin1String(".txt"));
+    compare(run(words + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Golden)

@@ -1,3 +1,4 @@
+#include "log/LogFormat.h"
 #include "tests/support/Files.h"
 #include "tools/analysis/Coverage.h"
 #include "tools/analysis/Plan.h"
@@ -48,6 +49,8 @@ private slots:
     void pictureThatCannotBeWritten_data();
     void pictureThatCannotBeWritten();
     void fullDisk();
+    void damagedFrames();
+    void framesFromStandardInput();
 
 private:
     struct Result
@@ -146,6 +149,27 @@ void tst_Hvcp2Program::refused_data()
     QTest::newRow("a stage file with a wrong type")
         << QByteArray("{\"screens\": [{\"id\": 1},\n  {\"id\": 2, \"contents\": [{\"params\": 3}]}]}") << "explain --stage stage.json"
         << "hvcp2 explain: stage.json:2:27: screens[1].contents[0].params: must be an object";
+    const QString twoPlans = QStringLiteral("hvcp2 compare: Two plans are needed: --stage A --stage B, or --stage A --settings KEY=VALUE.");
+    QTest::newRow("no plan to compare") << good << "compare stage.json" << twoPlans;
+    QTest::newRow("one plan to compare") << good << "compare stage.json --stage stage.json" << twoPlans;
+    QTest::newRow("three plans to compare") << good << "compare stage.json --stage stage.json --stage stage.json --stage stage.json" << twoPlans;
+    QTest::newRow("a second plan that does not exist") << good << "compare stage.json --stage stage.json --stage none.json"
+        << "hvcp2 compare: none.json: no such file";
+    const QString settings = QStringLiteral("age-confidence, concurrent, display-monitoring, event-sending-limit, face-detection-confidence, face-direction-confidence, gender-confidence, interval");
+    QTest::newRow("a setting that is none") << good << "compare stage.json --stage stage.json --settings concurrently=1"
+        << QStringLiteral("hvcp2 compare: \"concurrently\" is no setting; there are ") + settings;
+    QTest::newRow("a setting without a value") << good << "compare stage.json --stage stage.json --settings concurrent"
+        << "hvcp2 compare: \"concurrent\" is not of the form KEY=VALUE";
+    QTest::newRow("a second setting that is none") << good << "compare stage.json --stage stage.json --settings concurrent=1 none=2"
+        << QStringLiteral("hvcp2 compare: \"none\" is no setting; there are ") + settings;
+    QTest::newRow("no frames") << good << "compare --stage stage.json --stage stage.json"
+        << "hvcp2 compare: FRAMES are needed: a log directory, files or -.";
+    QTest::newRow("frames that do not exist") << good << "compare none --stage stage.json --stage stage.json"
+        << "hvcp2 compare: none: no such file";
+    QTest::newRow("a folder without frames") << good << "compare folder --stage stage.json --stage stage.json"
+        << "hvcp2 compare: folder: holds neither log files of the plug-in nor recordings";
+    QTest::newRow("an interval of nothing") << good << "compare stage.json --stage stage.json --stage stage.json --interval 0"
+        << "hvcp2 compare: --interval: \"0\" is no number of milliseconds";
     // clang-format on
 }
 
@@ -344,6 +368,47 @@ void tst_Hvcp2Program::fullDisk()
     const Result result = run({QStringLiteral("--help")}, full);
     QCOMPARE(result.error, QStringLiteral("hvcp2: standard output cannot be written\n"));
     QCOMPARE(result.status, 2);
+}
+
+/// Foreign text in a log never ends a command.
+void tst_Hvcp2Program::damagedFrames()
+{
+    const QDateTime time(QDate(2018, 2, 1), QTime(9, 30));
+    const QString record = PluginKrHvcP2::LogFormat::record(
+        1, time, QStringLiteral("Notice"), QStringLiteral("The determined sequence number: #1"));
+    QByteArray log;
+    for (int i = 0; i < 12; ++i)
+        log += "foreign\n" + record.toUtf8();
+    QVERIFY(writeFile(m_directory.filePath(QStringLiteral("KrHvcP2Log_20180201.txt")), log));
+    const QString stage = shippedStage("shop-window.json");
+    const Result result = run({QStringLiteral("compare"), QStringLiteral("KrHvcP2Log_20180201.txt"),
+        QStringLiteral("--stage"), stage, QStringLiteral("--stage"), stage});
+    QStringList expected;
+    const int linesOfRecord = record.count(QLatin1Char('\n'));
+    for (int i = 0; i < 10; ++i) {
+        expected << QStringLiteral("hvcp2 compare: KrHvcP2Log_20180201.txt:%1:"
+                                   " this is no record of the plug-in")
+                        .arg(1 + i * (1 + linesOfRecord));
+    }
+    expected << QStringLiteral("hvcp2 compare: and 2 more places that cannot be read") << QString();
+    QCOMPARE(result.error.split(QLatin1Char('\n')), expected);
+    QCOMPARE(result.status, 0);
+}
+
+void tst_Hvcp2Program::framesFromStandardInput()
+{
+    const QString stage = shippedStage("shop-window.json");
+    QProcess process;
+    process.start(QStringLiteral(KRHVC_HVCP2_FILE),
+        {QStringLiteral("compare"), QStringLiteral("-"), QStringLiteral("--stage"), stage,
+            QStringLiteral("--stage"), stage, QStringLiteral("--json")});
+    process.write("Face result count:0\nFace result count:0\n");
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished());
+    const QJsonObject document = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    QCOMPARE(document.value(QStringLiteral("a")).toObject().value(QStringLiteral("frames")),
+        QJsonValue(2));
+    QCOMPARE(process.exitCode(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Program)

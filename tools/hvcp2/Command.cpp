@@ -65,13 +65,9 @@ QCommandLineOption jsonOption()
     return {QStringLiteral("json"), QStringLiteral("Print one JSON document.")};
 }
 
-std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error)
+std::optional<Analysis::Plan> readGivenPlan(
+    const QCommandLineParser &given, const QString &stage, QString *error)
 {
-    const QString stage = given.value(QStringLiteral("stage"));
-    if (stage.isEmpty()) {
-        *error = QStringLiteral("--stage FILE is needed.");
-        return std::nullopt;
-    }
     std::optional<int> screen;
     if (given.isSet(QStringLiteral("screen"))) {
         const QString id = given.value(QStringLiteral("screen"));
@@ -82,12 +78,27 @@ std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString
             return std::nullopt;
         }
     }
-    std::optional<Analysis::Plan> plan = Analysis::readPlan(stage, screen, error);
+    return Analysis::readPlan(stage, screen, error);
+}
+
+bool assignGivenSettings(const QCommandLineParser &given, Analysis::Plan *plan, QString *error)
+{
     const QStringList assignments = givenAssignments(given);
-    for (const QString &assignment : assignments) {
-        if (plan && !Analysis::assignSetting(assignment, &plan->settings, error))
-            return std::nullopt;
+    return std::all_of(assignments.cbegin(), assignments.cend(), [&](const QString &assignment) {
+        return Analysis::assignSetting(assignment, &plan->settings, error);
+    });
+}
+
+std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error)
+{
+    const QString stage = given.value(QStringLiteral("stage"));
+    if (stage.isEmpty()) {
+        *error = QStringLiteral("--stage FILE is needed.");
+        return std::nullopt;
     }
+    std::optional<Analysis::Plan> plan = readGivenPlan(given, stage, error);
+    if (plan && !assignGivenSettings(given, &*plan, error))
+        return std::nullopt;
     return plan;
 }
 

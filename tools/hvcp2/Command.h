@@ -48,6 +48,11 @@ QCommandLineOption jsonOption();
 /// reason in @p error, when there is none.
 std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error);
 
+/// The two steps of givenPlan(), for a command with several stages.
+std::optional<Analysis::Plan> readGivenPlan(
+    const QCommandLineParser &given, const QString &stage, QString *error);
+bool assignGivenSettings(const QCommandLineParser &given, Analysis::Plan *plan, QString *error);
+
 /// The arguments that are no options, and no KEY=VALUE that belongs to --settings.
 QStringList givenFrames(const QCommandLineParser &given);
 

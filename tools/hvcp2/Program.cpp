@@ -1,5 +1,6 @@
 #include "tools/hvcp2/Program.h"
 
+#include "tools/hvcp2/CompareCommand.h"
 #include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
 
@@ -134,7 +135,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {explainCommand(), coverageCommand()};
+    return {explainCommand(), coverageCommand(), compareCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)

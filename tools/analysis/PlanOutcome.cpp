@@ -1,0 +1,109 @@
+#include "tools/analysis/PlanOutcome.h"
+
+#include "tools/analysis/Coverage.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace Analysis {
+
+using namespace PluginKrHvcP2;
+
+namespace {
+
+int ageBandOf(int age)
+{
+    return age < 0 ? PlanOutcome::UnknownAgeBand
+                   : std::min(age / 10, PlanOutcome::UnknownAgeBand - 1);
+}
+
+/// In CoveredGenders; what is neither female nor male is unknown.
+std::size_t genderPosition(int gender)
+{
+    const auto found = std::find(CoveredGenders.begin(), CoveredGenders.end() - 1, gender);
+    return static_cast<std::size_t>(std::distance(CoveredGenders.begin(), found));
+}
+
+} // namespace
+
+void WatchedTime::add(const QDateTime &frame)
+{
+    const qint64 gap = m_last.isValid() ? m_last.msecsTo(frame) : 0;
+    if (gap > 0 && gap <= LongestGapMs)
+        m_ms += gap;
+    m_last = frame;
+}
+
+void Spacing::add(qint64 atMs)
+{
+    if (m_lastMs >= 0) {
+        const qint64 distance = atMs - m_lastMs;
+        m_shortestMs = m_count == 0 ? distance : std::min(m_shortestMs, distance);
+        m_longestMs = std::max(m_longestMs, distance);
+        m_sumMs += distance;
+        ++m_count;
+    }
+    m_lastMs = atMs;
+}
+
+PlanOutcome::PlanOutcome(const Plan &plan)
+    : m_positions(plan.entries.size() + 1, -1)
+{
+    for (const DetectionContent &content : plan.contents) {
+        m_positions[content.sequenceNumber] = m_contents.size();
+        ContentOutcome outcome;
+        outcome.number = content.sequenceNumber;
+        m_contents.append(outcome);
+    }
+}
+
+void PlanOutcome::add(const Decision &decision)
+{
+    ++m_frames;
+    m_watched.add(decision.time);
+    for (const DecidedFace &face : decision.faces)
+        add(face);
+}
+
+void PlanOutcome::add(const DecidedFace &face)
+{
+    ++m_faces;
+    ++m_outcomes.at(face.outcome);
+    if (face.outcome == DecidedFace::NothingFits) {
+        addLeftOut(face.evaluation);
+        return;
+    }
+    ContentOutcome &content = m_contents[m_positions.at(face.sequence)];
+    if (face.outcome == DecidedFace::Sent)
+        addStart(content);
+    else if (face.outcome == DecidedFace::Restricted)
+        addRestricted(content);
+    else
+        ++content.cut;
+}
+
+void PlanOutcome::addStart(ContentOutcome &content)
+{
+    ++content.started;
+    content.starts.add(m_watched.ms());
+    if (content.number == m_lastStarted)
+        return;
+    m_lastStarted = content.number;
+    ++m_switches;
+    m_switchSpacing.add(m_watched.ms());
+}
+
+void PlanOutcome::addRestricted(ContentOutcome &content)
+{
+    ++content.restricted;
+    if (content.number == m_lastStarted)
+        ++m_alreadyOn;
+}
+
+void PlanOutcome::addLeftOut(const FaceEvaluation &evaluation)
+{
+    auto &bands = m_leftOut.at(genderPosition(evaluation.gender));
+    ++bands.at(static_cast<std::size_t>(ageBandOf(evaluation.age)));
+}
+
+} // namespace Analysis
