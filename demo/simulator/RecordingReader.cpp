@@ -33,11 +33,6 @@ std::optional<qint64> stampedTime(const QByteArray &trimmedLine)
     return timeMs;
 }
 
-bool isFaceCount(const QByteArray &trimmedLine)
-{
-    return trimmedLine.toLower().startsWith("face result count:");
-}
-
 /// Whether @p line has to be looked at: most lines are neither a time stamp nor a face count.
 bool mayPartBlocks(const QByteArray &line)
 {
@@ -58,6 +53,11 @@ RecordingReader::RecordingReader(QIODevice *device, int maxBlockBytes)
 bool RecordingReader::beginsWithTime(const QByteArray &bytes)
 {
     return isTimeStamp(bytes.left(bytes.indexOf('\n')).trimmed());
+}
+
+bool RecordingReader::isFaceCount(const QByteArray &trimmedLine)
+{
+    return trimmedLine.toLower().startsWith("face result count:");
 }
 
 std::optional<RecordedPart> RecordingReader::next()

@@ -36,6 +36,7 @@ public:
     std::optional<RecordedPart> next(); ///< nothing at the end
     /// Whether the first line of @p bytes makes a recording one with times.
     static bool beginsWithTime(const QByteArray &bytes);
+    static bool isFaceCount(const QByteArray &trimmedLine); ///< the first line of a frame
 
     /// Whether the blocks have times; known with the first.
     bool isTimed() const { return m_isTimed; }

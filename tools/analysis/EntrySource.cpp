@@ -33,15 +33,14 @@ bool isLogFileName(const QString &name)
     return date.isValid() && name == LogFormat::logFileName(BaseName, date, Extension);
 }
 
-/// Those that @p isWanted of one directory, by name, which is by date. Pipes and devices are not
-/// among them.
-QStringList filesIn(const QString &path, bool (*isWanted)(const QString &name))
+/// By date. Pipes and devices are not among them.
+QStringList logFiles(const QString &path)
 {
     const QDir directory(path);
     QStringList files;
     const QStringList names = directory.entryList(QDir::Files);
     for (const QString &name : names) {
-        if (isWanted(name))
+        if (isLogFileName(name))
             files.append(directory.filePath(name));
     }
     std::sort(files.begin(), files.end());
@@ -50,11 +49,11 @@ QStringList filesIn(const QString &path, bool (*isWanted)(const QString &name))
 
 QStringList filesIn(const QString &path)
 {
-    QStringList files = filesIn(path, isLogFileName);
+    QStringList files = logFiles(path);
     if (files.isEmpty())
-        files = filesIn(QDir(path).filePath(PluginName), isLogFileName);
+        files = logFiles(QDir(path).filePath(PluginName));
     if (files.isEmpty())
-        files = filesIn(path, isRecordingFileName);
+        files = recordingsIn(path);
     return files;
 }
 

@@ -2,6 +2,7 @@
 
 #include "demo/support/UserFile.h"
 
+#include <QDir>
 #include <QList>
 
 namespace Analysis {
@@ -18,9 +19,17 @@ QString recordingFileName(const QDateTime &time)
     return time.toString(NameForm);
 }
 
-bool isRecordingFileName(const QString &name)
+QStringList recordingsIn(const QString &directory)
 {
-    return QDateTime::fromString(name, NameForm).isValid();
+    const QDir folder(directory);
+    QStringList files;
+    const QStringList names = folder.entryList(QDir::Files); // not pipes and devices
+    for (const QString &name : names) {
+        if (QDateTime::fromString(name, NameForm).isValid())
+            files.append(folder.filePath(name));
+    }
+    files.sort();
+    return files;
 }
 
 QString timesFileName(const QString &recording)

@@ -4,15 +4,17 @@
 #include <QDateTime>
 #include <QFile>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <utility>
 
 namespace Analysis {
 
-/// "HvcCon_20180201_093000_250.out", for a recording of the sensor program that began at @p time.
+/// "HvcCon_20180201_093000_250.out", for a recording of the sensor program that began at @p time;
+/// by name they are in order as long as all times are in UTC.
 QString recordingFileName(const QDateTime &time);
-bool isRecordingFileName(const QString &name);
+QStringList recordingsIn(const QString &directory); ///< such files, the oldest first; whole paths
 
 /// The file beside a recording that says when each piece of it arrived.
 QString timesFileName(const QString &recording);

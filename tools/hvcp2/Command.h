@@ -30,7 +30,7 @@ struct Command
     QString summary; ///< a line
     QString description; ///< lines of 80 characters at most, the last one without its end
     QList<QCommandLineOption> options;
-    bool takesFrames = false; ///< whether there may be arguments besides the options
+    bool takesArguments = false; ///< beside options
     QStringList examples; ///< what follows the program's name
     ExitStatus (*run)(const QCommandLineParser &given, Console &console) = nullptr;
 };

@@ -84,7 +84,7 @@ Command compareCommand()
         "from one to the next.");
     command.options
         = {stageOption(), secondSettingsOption(), screensOption(), intervalOption(), jsonOption()};
-    command.takesFrames = true;
+    command.takesArguments = true;
     command.examples
         = QStringList{QStringLiteral("compare logs --stage today.json --stage tomorrow.json"),
             QStringLiteral("compare logs --stage today.json --settings event-sending-limit=5000"),

@@ -3,6 +3,7 @@
 #include "tools/hvcp2/CompareCommand.h"
 #include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
+#include "tools/hvcp2/RecordCommand.h"
 
 #include <algorithm>
 
@@ -121,7 +122,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
     } else if (parser.isSet(helpOption().names().constFirst())) {
         console.out << commandHelp(command);
         return Fine;
-    } else if (!command.takesFrames && !parser.positionalArguments().isEmpty()) {
+    } else if (!command.takesArguments && !parser.positionalArguments().isEmpty()) {
         reason = QStringLiteral("Unexpected argument '%1'.")
                      .arg(parser.positionalArguments().constFirst());
     }
@@ -135,7 +136,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {explainCommand(), coverageCommand(), compareCommand()};
+    return {explainCommand(), coverageCommand(), compareCommand(), recordCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)

@@ -1,4 +1,5 @@
 #include "tools/hvcp2/Program.h"
+#include "tools/hvcp2/RecordCommand.h"
 #include "tools/hvcp2/Terminal.h"
 
 #include <QCoreApplication>
@@ -10,6 +11,10 @@ int main(int argc, char *argv[])
     QTextStream error(stderr);
     out.setCodec("UTF-8");
     error.setCodec("UTF-8");
+    if (Hvcp2::standsForSensorProgram(QCoreApplication::arguments())) {
+        Hvcp2::Console console{out, error, Hvcp2::Paint()};
+        return Hvcp2::standForSensorProgram(QCoreApplication::arguments(), console);
+    }
     Hvcp2::Console console{
         out, error, Hvcp2::Paint(Hvcp2::prepareStandardOutput()), Hvcp2::isStandardErrorTerminal()};
     const Hvcp2::ExitStatus status = Hvcp2::runProgram(
