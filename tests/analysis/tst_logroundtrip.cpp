@@ -1,6 +1,6 @@
-#include "demo/stage/StageFile.h"
 #include "demo/simulator/FramePlan.h"
 #include "demo/simulator/ScenarioReader.h"
+#include "demo/stage/StageFile.h"
 #include "detection/Determination.h"
 #include "detection/LayoutBound.h"
 #include "detection/SensorOutputParser.h"
