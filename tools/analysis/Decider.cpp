@@ -4,6 +4,7 @@
 #include "detection/SensorOutputParser.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Analysis {
 
@@ -49,17 +50,24 @@ void sort(QVector<DecidedFace> &faces, const QList<CalculatedData> &determined)
 
 Decider::Decider(const Plan &plan)
     : m_settings(plan.settings)
+    , m_memory(plan.contents)
 {
     m_requests.setContents(plan.contents);
 }
 
 Decision Decider::decide(const QString &text, const QDateTime &time)
 {
-    const SensorFrame frame = SensorOutputParser::parse(text, time);
+    return decide(text, {time, time}, {});
+}
+
+Decision Decider::decide(
+    const QString &text, const Moment &moment, const QVector<LoggedRequest> &logged)
+{
+    const SensorFrame frame = SensorOutputParser::parse(text, moment.earliest);
     const Prominence prominence(frame.sizes, frame.directionValues);
 
     Decision decision;
-    decision.time = time;
+    decision.time = moment.earliest;
     decision.errorSeen = frame.errorSeen;
     decision.noFace = frame.noFace;
     for (const FaceResult &face : frame.faces)
@@ -70,17 +78,52 @@ Decision Decider::decide(const QString &text, const QDateTime &time)
     sort(decision.faces, determined);
     const int count = std::min(determined.size(), m_settings.concurrent);
     for (int i = 0; i < count; ++i)
-        request(decision.faces[i], time);
+        request(decision.faces[i], moment, logged.value(i));
+    for (int i = count; i < determined.size(); ++i) {
+        decision.faces[i].remainingMs = m_requests.remainingMs(
+            decision.faces.at(i).sequence, moment.earliest, m_settings.eventSendingLimit);
+    }
     return decision;
 }
 
-void Decider::request(DecidedFace &face, const QDateTime &time)
+void Decider::request(DecidedFace &face, const Moment &moment, const LoggedRequest &logged)
 {
     const int limit = m_settings.eventSendingLimit;
-    face.remainingMs = m_requests.remainingMs(face.sequence, time, limit);
-    const SequenceRequests::Answer answer = m_requests.request(face.sequence, time, limit);
-    face.outcome = answer == SequenceRequests::Answer::Admitted ? DecidedFace::Sent
-                                                                : DecidedFace::Restricted;
+    face.remainingMs = m_requests.remainingMs(face.sequence, moment.earliest, limit);
+    RequestMemory::Answer answer = m_memory.ask(face.sequence, moment, limit);
+    bool isRestricted = answer == RequestMemory::Answer::Restricted;
+    if (answer == RequestMemory::Answer::Open) {
+        const bool isLogged = logged.number == face.sequence;
+        face.evidence = isLogged ? DecidedFace::Log : DecidedFace::Likelihood;
+        isRestricted = isLogged ? logged.isRestricted : face.remainingMs > 0;
+    }
+    face.outcome = isRestricted ? DecidedFace::Restricted : DecidedFace::Sent;
+    if (!isRestricted)
+        face.remainingMs = 0;
+    settle({face.sequence, isRestricted}, moment);
+}
+
+void Decider::settle(const LoggedRequest &request, const Moment &moment)
+{
+    const int limit = m_settings.eventSendingLimit;
+    const QDateTime &time = moment.earliest;
+    m_memory.settle(request.number, moment, limit,
+        request.isRestricted ? RequestMemory::Answer::Restricted : RequestMemory::Answer::Admitted);
+    const bool restrictsByTime = m_requests.remainingMs(request.number, time, limit) > 0;
+    if (request.isRestricted == restrictsByTime)
+        m_requests.request(request.number, time, limit);
+    else if (!request.isRestricted)
+        m_requests.request(request.number, time, std::numeric_limits<int>::min());
+}
+
+void Decider::mayBeLost()
+{
+    m_memory.mayBeLost();
+}
+
+void Decider::mayHaveStarted(const QDateTime &latest)
+{
+    m_memory.mayHaveStarted(latest);
 }
 
 } // namespace Analysis

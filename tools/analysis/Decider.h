@@ -3,6 +3,7 @@
 #include "detection/FaceEvaluation.h"
 #include "detection/SequenceRequests.h"
 #include "tools/analysis/Plan.h"
+#include "tools/analysis/RequestMemory.h"
 
 #include <QDateTime>
 #include <QString>
@@ -20,6 +21,13 @@ struct DecidedFace
         Sent, ///< the host was asked to start the sequence
     };
 
+    /// What the outcome of a request rests on.
+    enum Evidence {
+        Times, ///< of this request and those before
+        Log, ///< of the plug-in; the times leave it open
+        Likelihood, ///< the times leave it open, and nothing else tells
+    };
+
     PluginKrHvcP2::FaceResult face;
     PluginKrHvcP2::FaceEvaluation evaluation;
     int sizeRank = 0; ///< as Prominence has it
@@ -27,7 +35,10 @@ struct DecidedFace
     double prominence = 0; ///< what the two come to
     int sequence = 0; ///< of the content that was chosen; 0: none was
     Outcome outcome = NothingFits;
-    qint64 remainingMs = 0; ///< Restricted: until the sequence would have been admitted
+    Evidence evidence = Times;
+    /// Restricted: until the sequence would have been admitted. Cut: likewise; 0: it would have
+    /// been.
+    qint64 remainingMs = 0;
 
     double score() const { return prominence + evaluation.match.bonus; }
 };
@@ -41,6 +52,18 @@ struct Decision
     QVector<DecidedFace> faces; ///< in the order of the decision; those that nothing fits behind
 };
 
+/// A request of which a log tells.
+struct LoggedRequest
+{
+    int number = 0; ///< of the sequence
+    bool isRestricted = false;
+
+    friend bool operator==(const LoggedRequest &a, const LoggedRequest &b)
+    {
+        return a.number == b.number && a.isRestricted == b.isRestricted;
+    }
+};
+
 /// Decides frame after frame as the plug-in does for one screen, and remembers when each sequence
 /// was started.
 class Decider
@@ -48,15 +71,24 @@ class Decider
 public:
     explicit Decider(const Plan &plan);
 
-    /// @p text is one chunk of the sensor program's output, which arrived at @p time. Times must
-    /// not go back.
+    /// @p text is one chunk of the sensor program's output, which arrived at @p time.
     Decision decide(const QString &text, const QDateTime &time);
+    /// The same when that is not known better. @p logged is what a log tells about the requests; it
+    /// counts where the times leave open what came of one.
+    Decision decide(
+        const QString &text, const Moment &moment, const QVector<LoggedRequest> &logged);
+
+    /// Takes over a request for viewers of whom nothing is known.
+    void settle(const LoggedRequest &request, const Moment &moment);
+    void mayBeLost(); ///< as RequestMemory has it
+    void mayHaveStarted(const QDateTime &latest); ///< likewise
 
 private:
-    void request(DecidedFace &face, const QDateTime &time);
+    void request(DecidedFace &face, const Moment &moment, const LoggedRequest &logged);
 
     PluginKrHvcP2::ScreenSettings m_settings;
-    PluginKrHvcP2::SequenceRequests m_requests;
+    PluginKrHvcP2::SequenceRequests m_requests; // by the earliest times
+    RequestMemory m_memory;
 };
 
 } // namespace Analysis
