@@ -25,7 +25,7 @@ endforeach()
 # The demonstration is complete in itself, plug-in included.
 install(TARGETS KrHvcP2 LIBRARY DESTINATION demo COMPONENT demo)
 install(TARGETS krhvc_player krhvc_simulator krhvc_hvcp2 RUNTIME DESTINATION demo COMPONENT demo)
-install(DIRECTORY demo/player/stages DESTINATION demo COMPONENT demo)
+install(DIRECTORY demo/player/stages demo/player/recordings DESTINATION demo COMPONENT demo)
 install(DIRECTORY demo/simulator/scenarios DESTINATION demo COMPONENT demo)
 install(FILES demo/player/README.md DESTINATION demo RENAME stage-player.md COMPONENT demo)
 install(FILES demo/simulator/README.md DESTINATION demo RENAME sensor-simulator.md COMPONENT demo)

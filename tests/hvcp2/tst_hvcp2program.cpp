@@ -126,8 +126,26 @@ void tst_Hvcp2Program::refused_data()
         << "hvcp2: Options go behind the command. See 'hvcp2 --help'.";
     QTest::newRow("an unknown option of a command") << good << "coverage --stage stage.json --loud"
         << "hvcp2 coverage: Unknown option 'loud'. See 'hvcp2 coverage --help'.";
-    QTest::newRow("one argument more") << good << "explain --stage stage.json more"
-        << "hvcp2 explain: Unexpected argument 'more'. See 'hvcp2 explain --help'.";
+    QTest::newRow("one argument more") << good << "coverage --stage stage.json more"
+        << "hvcp2 coverage: Unexpected argument 'more'. See 'hvcp2 coverage --help'.";
+    QTest::newRow("frames that do not exist") << good << "explain --stage stage.json more"
+        << "hvcp2 explain: more: no such file";
+    QTest::newRow("frames that are none") << good << "explain --stage stage.json stage.json"
+        << "hvcp2 explain: stage.json:1: this is no record of the plug-in\nhvcp2 explain: there are no frames";
+    QTest::newRow("a time without frames") << good << "explain --stage stage.json --at 09:30"
+        << "hvcp2 explain: --at and --frame need FRAMES.";
+    QTest::newRow("a frame without frames") << good << "explain --stage stage.json --frame 3"
+        << "hvcp2 explain: --at and --frame need FRAMES.";
+    QTest::newRow("a time and a frame") << good << "explain stage.json --stage stage.json --frame 3 --at 09:30"
+        << "hvcp2 explain: --at and --frame exclude each other.";
+    QTest::newRow("a time that is none") << good << "explain stage.json --stage stage.json --at noon"
+        << "hvcp2 explain: --at: \"noon\" is no time";
+    QTest::newRow("a frame that is no number") << good << "explain stage.json --stage stage.json --frame last"
+        << "hvcp2 explain: --frame: \"last\" is no number of a frame";
+    QTest::newRow("frame 0") << good << "explain stage.json --stage stage.json --frame 0"
+        << "hvcp2 explain: --frame: \"0\" is no number of a frame";
+    QTest::newRow("a setting that is no number") << good << "explain stage.json --stage stage.json --settings interval=1 concurrent=x"
+        << "hvcp2 explain: \"x\" is no value for concurrent";
     QTest::newRow("no stage") << good << "explain"
         << "hvcp2 explain: --stage FILE is needed.";
     QTest::newRow("a stage without its name") << good << "coverage --stage"

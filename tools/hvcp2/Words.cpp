@@ -47,6 +47,21 @@ QString fitWord(Choice::Fit fit)
     return {};
 }
 
+QString outcomeWord(DecidedFace::Outcome outcome)
+{
+    switch (outcome) {
+    case DecidedFace::NothingFits:
+        return QStringLiteral("nothing");
+    case DecidedFace::Cut:
+        return QStringLiteral("cut");
+    case DecidedFace::Restricted:
+        return QStringLiteral("restricted");
+    case DecidedFace::Sent:
+        return QStringLiteral("sent");
+    }
+    return {};
+}
+
 QString genderWord(Gender gender)
 {
     const QString word = PluginKrHvcP2::genderToText(gender);
@@ -71,6 +86,11 @@ QString timeWord(const QDateTime &time, int toleranceMs)
     if (time.timeSpec() == Qt::UTC)
         word += QLatin1String(" UTC");
     return word;
+}
+
+QString isoTime(const QDateTime &time, int toleranceMs)
+{
+    return time.toString(toleranceMs > 0 ? Qt::ISODate : Qt::ISODateWithMs);
 }
 
 QString durationWord(qint64 ms)

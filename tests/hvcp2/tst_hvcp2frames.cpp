@@ -1,0 +1,247 @@
+#include "tests/support/Files.h"
+#include "tools/hvcp2/FrameChoice.h"
+#include "tools/hvcp2/Program.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QtTest>
+
+using namespace Hvcp2;
+using namespace KrTest;
+
+namespace {
+
+/// What a command prints, and behind it what a user does not see on the screen.
+QString run(const QStringList &arguments)
+{
+    QString output;
+    QString error;
+    QTextStream out(&output);
+    QTextStream errors(&error);
+    Console console{out, errors, Paint()};
+    const ExitStatus status = runProgram(arguments, QStringLiteral("1.2.3"), console);
+    out.flush();
+    errors.flush();
+    return output + error + QStringLiteral("[status %1]\n").arg(status);
+}
+
+/// A command of a document, after "$ hvcp2 ", and what it prints.
+struct Example
+{
+    QStringList arguments;
+    QString output;
+};
+
+QVector<Example> examplesIn(const QString &document)
+{
+    const QString fence = QStringLiteral("```");
+    const QString prompt = QStringLiteral("$ hvcp2 ");
+    QVector<Example> examples;
+    const QStringList parts = document.split(fence);
+    for (int i = 1; i < parts.size(); i += 2) {
+        const QString block = parts.at(i).mid(parts.at(i).indexOf(QLatin1Char('\n')) + 1);
+        const int end = block.indexOf(QLatin1Char('\n'));
+        if (block.startsWith(prompt)) {
+            examples.append({block.mid(prompt.size(), end - prompt.size()).split(QLatin1Char(' ')),
+                block.mid(end + 1)});
+        }
+    }
+    return examples;
+}
+
+} // namespace
+
+/// What the commands print about frames; golden/ has the inputs, and what is expected beside them.
+class tst_Hvcp2Frames : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void outputs_data();
+    void outputs();
+    void givenTimes_data();
+    void givenTimes();
+    void chosenFrames_data();
+    void chosenFrames();
+    void fullScreen();
+    void documentedExamples();
+
+private:
+    static void compare(const QString &actual, const QString &fileName);
+
+    QString m_directory;
+};
+
+void tst_Hvcp2Frames::initTestCase()
+{
+    m_directory = QFINDTESTDATA("golden");
+    QVERIFY(!m_directory.isEmpty());
+    // So that outputs name the files without a folder.
+    QVERIFY(QDir::setCurrent(m_directory));
+}
+
+void tst_Hvcp2Frames::compare(const QString &actual, const QString &fileName)
+{
+    if (actual != readText(fileName) && qEnvironmentVariableIsSet("KRHVC_RENEW_GOLDEN")) {
+        QVERIFY(writeFile(fileName, actual.toUtf8()));
+        QSKIP("The expected output was renewed.");
+    }
+    QVERIFY2(QFileInfo::exists(fileName), qPrintable(fileName));
+    QCOMPARE(actual.split(QLatin1Char('\n')), readText(fileName).split(QLatin1Char('\n')));
+}
+
+void tst_Hvcp2Frames::outputs_data()
+{
+    QTest::addColumn<QString>("arguments"); // separated by blanks
+
+    const auto add = [](const char *file, const char *arguments) {
+        QTest::newRow(file) << QString::fromLatin1(arguments);
+    };
+    add("hall.1.explain.txt", "explain hall.txt --stage door.json --frame 1");
+    add("hall.4.explain.txt", "explain hall.txt --stage door.json --frame 4");
+    add("hall.4.explain.json.txt", "explain hall.txt --stage door.json --frame 4 --json");
+    add("hall.concurrent.explain.txt",
+        "explain hall.txt --stage door.json --frame 4 --settings concurrent=3"
+        " event-sending-limit=1000");
+    add("hall.crowd.explain.txt", "explain hall.txt --stage door.json");
+    add("hall.failure.explain.txt", "explain hall.txt --stage door.json --frame 8");
+    add("hall.failure.explain.json.txt", "explain hall.txt --stage door.json --frame 8 --json");
+    add("hall.second.explain.txt", "explain hall.txt --stage names.json --at 00:00:03");
+    add("hall.second.explain.json.txt", "explain hall.txt --stage names.json --at 00:00:03 --json");
+    add("hall.nothing.explain.txt", "explain hall.txt --stage empty.json");
+    add("log.explain.txt", "explain KrHvcP2Log_20180201.txt --stage window.json");
+    add("log.restricted.explain.txt",
+        "explain KrHvcP2Log_20180201.txt --stage window.json --at 09:30:04");
+    add("log.open.explain.txt", "explain KrHvcP2Log_20180201.txt --stage window.json --frame 6");
+    add("log.differs.explain.txt",
+        "explain KrHvcP2Log_20180201.txt --stage window.json --frame 3 --settings concurrent=2");
+    add("log.differs.explain.json.txt",
+        "explain KrHvcP2Log_20180201.txt --stage window.json --frame 3 --settings concurrent=2"
+        " --json");
+}
+
+void tst_Hvcp2Frames::outputs()
+{
+    QFETCH(QString, arguments);
+
+    compare(run(arguments.split(QLatin1Char(' '))), QString::fromLatin1(QTest::currentDataTag()));
+}
+
+void tst_Hvcp2Frames::givenTimes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected"); // empty: it is no time
+
+    const auto add = [](const char *text, const char *expected) {
+        QTest::newRow(text) << QString::fromLatin1(text) << QString::fromLatin1(expected);
+    };
+    add("09:30", "any day 09:30:00.000 (60000 ms)");
+    add("09:30:05", "any day 09:30:05.000 (1000 ms)");
+    add("2018-02-01 09:30:05", "2018-02-01 09:30:05.000 (1 ms)");
+    add("2018-02-01 09:30:05.250", "2018-02-01 09:30:05.250 (1 ms)");
+    add("2018-02-01T09:30:05", "2018-02-01 09:30:05.000 (1 ms)");
+    add("2018-02-01T09:30:05Z", "2018-02-01T09:30:05.000Z");
+    add("2018-02-01T09:30:05.250+09:00", "2018-02-01T00:30:05.250Z");
+    add("2018-02-01T09:30:05-03:30", "2018-02-01T13:00:05.000Z");
+    add("", "");
+    add("noon", "");
+    add("25:00", "");
+    add("09:30:61", "");
+    add("2018-02-30 09:30:05", "");
+    add("2018-02-01 09:30:05 later", "");
+    add("2018-02-01 09:30:05+99:00", "");
+    add("2018-02-01", "");
+}
+
+void tst_Hvcp2Frames::givenTimes()
+{
+    QFETCH(QString, text);
+
+    QString actual;
+    const std::optional<GivenTime> given = givenTime(text);
+    if (given && !given->moment.isNull()) {
+        actual = given->moment.toUTC().toString(Qt::ISODateWithMs);
+    } else if (given) {
+        actual = QStringLiteral("%1 %2 (%3 ms)")
+                     .arg(given->date.isNull() ? QStringLiteral("any day")
+                                               : given->date.toString(Qt::ISODate),
+                         given->time.toString(QStringLiteral("HH:mm:ss.zzz")))
+                     .arg(given->precisionMs);
+    }
+    QTEST(actual, "expected");
+}
+
+void tst_Hvcp2Frames::chosenFrames_data()
+{
+    QTest::addColumn<QString>("options"); // separated by blanks
+    QTest::addColumn<QString>("expected"); // the beginning of the second line, or the refusal
+
+    const auto add = [](const char *file, const char *options, const char *expected) {
+        QTest::addRow("%s %s", file, options)
+            << QStringLiteral("%1 %2").arg(QLatin1String(file), QLatin1String(options)).trimmed()
+            << QString::fromLatin1(expected);
+    };
+    const char *const log = "KrHvcP2Log_20180201.txt";
+    const char *const hall = "hall.txt";
+    add(log, "", "Frame 10, 2018-02-01 09:30:16");
+    add(log, "--at 09:30", "Frame 1, 2018-02-01 09:30:00");
+    add(log, "--at 09:30:03", "Frame 4, 2018-02-01 09:30:04");
+    add(log, "--at 2018-02-01T09:30:03", "Frame 4, 2018-02-01 09:30:04");
+    add(log, "--at 2018-02-01T18:30:03+09:00", "Frame 4, 2018-02-01 09:30:04");
+    add(log, "--at 2018-01-01T00:00:00", "Frame 1, 2018-02-01 09:30:00");
+    add(log, "--at 09:29", "hvcp2 explain: no frame is of 09:29 or later");
+    add(log, "--at 09:30:25", "hvcp2 explain: no frame is of 09:30:25 or later");
+    add(log, "--frame 12", "Frame 12, 2018-02-01 09:30:24");
+    add(log, "--frame 13", "hvcp2 explain: there are only 12 frames");
+    add(hall, "--frame 5", "Frame 5, 1970-01-01 00:00:03.700 UTC, hall.txt:44");
+    add(hall, "--at 1970-01-01T00:00:03.201", "Frame 5, 1970-01-01 00:00:03.700 UTC");
+    add(hall, "log --frame 20", "hvcp2 explain: log: no such file");
+}
+
+void tst_Hvcp2Frames::chosenFrames()
+{
+    QFETCH(QString, options);
+    QFETCH(QString, expected);
+
+    const QStringList arguments{
+        QStringLiteral("explain"), QStringLiteral("--stage"), QStringLiteral("window.json")};
+    const QStringList lines
+        = run(arguments + options.split(QLatin1Char(' '))).split(QLatin1Char('\n'));
+    const QString line = lines.at(lines.constFirst().startsWith(QLatin1String("hvcp2 ")) ? 0 : 1);
+    QCOMPARE(line.left(expected.size()), expected);
+}
+
+/// Five faces and six contents.
+void tst_Hvcp2Frames::fullScreen()
+{
+    const QString stage
+        = QFileInfo(m_directory + QStringLiteral("/../../../demo/player/stages/shop-window.json"))
+              .absoluteFilePath();
+    const QStringList lines
+        = run({QStringLiteral("explain"), QStringLiteral("hall.txt"), QStringLiteral("--stage"),
+                  stage, QStringLiteral("--frame"), QStringLiteral("4")})
+              .split(QLatin1Char('\n'));
+    QVERIFY(lines.size() <= 50);
+    QCOMPARE(lines.at(3).count(QStringLiteral("face ")), 5);
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+}
+
+void tst_Hvcp2Frames::documentedExamples()
+{
+    const QString root = m_directory + QStringLiteral("/../../../");
+    const QVector<Example> examples = examplesIn(readText(root + QStringLiteral("docs/hvcp2.md")));
+    QVERIFY(!examples.isEmpty());
+    QVERIFY(QDir::setCurrent(root + QStringLiteral("demo/player")));
+    for (const Example &example : examples) {
+        QString output = run(example.arguments);
+        output.truncate(output.lastIndexOf(QLatin1String("[status")));
+        QCOMPARE(output.split(QLatin1Char('\n')), example.output.split(QLatin1Char('\n')));
+    }
+    QVERIFY(QDir::setCurrent(m_directory));
+}
+
+QTEST_GUILESS_MAIN(tst_Hvcp2Frames)
+
+#include "tst_hvcp2frames.moc"

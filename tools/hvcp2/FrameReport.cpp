@@ -1,0 +1,548 @@
+#include "tools/hvcp2/FrameReport.h"
+
+#include "core/screen/Gender.h"
+#include "detection/SensorOutputParser.h"
+#include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Words.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Hvcp2 {
+
+using namespace Analysis;
+using PluginKrHvcP2::ContentReason;
+using PluginKrHvcP2::FaceEvaluation;
+
+namespace {
+
+constexpr int LineColumns = 80;
+constexpr int FacesInATable = 5;
+constexpr int LeastLabelColumns = 12;
+constexpr int MostLabelColumns = 28;
+constexpr int MaxFailureLines = 5;
+constexpr int Indent = 2;
+
+struct ReasonWords
+{
+    ContentReason reason;
+    const char *word; // in a cell
+    const char *key; // in JSON
+    const char *meaning;
+};
+
+constexpr std::array<ReasonWords, 10> Reasons{{
+    {ContentReason::FullFit, "fits", "fits", "taken: the first that fits gender and age"},
+    {ContentReason::DefaultFit, "default", "default",
+        "taken: the last default of the gender; none fits the age as well"},
+    {ContentReason::AgeFit, "age alone", "age-alone",
+        "taken: the last that fits the age; none is for the gender"},
+    {ContentReason::BehindFullFit, "later", "later-than-first-fit",
+        "not looked at: it comes later than the first that fits"},
+    {ContentReason::BeforeFullFit, "earlier", "before-first-fit",
+        "a default, or right for the age alone; a later one fits"},
+    {ContentReason::NotLastDefault, "not last", "not-last-default", "a later one like it is taken"},
+    {ContentReason::BelowDefault, "below", "below-default",
+        "right for the age alone: a default of the gender goes first"},
+    {ContentReason::NotLastAgeFit, "not last", "not-last-of-age", "a later one like it is taken"},
+    {ContentReason::OtherAge, "age", "age", "for the gender, but for another age"},
+    {ContentReason::OtherGender, "gender", "gender", "for another gender and another age"},
+}};
+
+const ReasonWords &wordsOf(ContentReason reason)
+{
+    return *std::find_if(Reasons.cbegin(), Reasons.cend(),
+        [reason](const ReasonWords &words) { return words.reason == reason; });
+}
+
+bool isTaken(ContentReason reason)
+{
+    return reason == ContentReason::FullFit || reason == ContentReason::DefaultFit
+        || reason == ContentReason::AgeFit;
+}
+
+/// Without what the sum of binary fractions has added.
+double rounded(double number)
+{
+    return std::round(number * 1e6) / 1e6;
+}
+
+/// What a bonus is made of.
+struct Bonus
+{
+    double plain = 0;
+    double genderMark = 0; // on top of that
+    double ageMark = 0; // on top of both
+};
+
+Bonus bonusOf(const DecidedFace &face, const Plan &plan)
+{
+    PluginKrHvcP2::FaceResult unmarked = face.face;
+    if (unmarked.age)
+        unmarked.age->marked = false;
+    const double withGenderMark = matchContent(unmarked, plan.contents).bonus;
+    if (unmarked.gender)
+        unmarked.gender->marked = false;
+    Bonus bonus;
+    bonus.plain = matchContent(unmarked, plan.contents).bonus;
+    bonus.genderMark = rounded(withGenderMark - bonus.plain);
+    bonus.ageMark = rounded(face.evaluation.match.bonus - withGenderMark);
+    return bonus;
+}
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', 6);
+}
+
+QString bonusText(double bonus)
+{
+    return bonus > 0 ? QLatin1Char('+') + numberText(bonus) : QString();
+}
+
+QString marked(const QString &text, bool isMarked)
+{
+    return isMarked ? text + QLatin1Char('*') : text;
+}
+
+QString genderText(const FaceEvaluation &evaluation)
+{
+    return marked(
+        genderWord(static_cast<PluginKrHvcP2::Gender>(evaluation.gender)), evaluation.genderMarked);
+}
+
+QString ageText(const FaceEvaluation &evaluation)
+{
+    const QString age
+        = evaluation.age < 0 ? QStringLiteral("unknown") : QString::number(evaluation.age);
+    return marked(age, evaluation.ageMarked);
+}
+
+QString directionText(const DecidedFace &face)
+{
+    const int value = face.face.directionValue();
+    return value == PluginKrHvcP2::UnknownDirectionValue ? QStringLiteral("unknown")
+                                                         : QString::number(value);
+}
+
+QString sequenceText(int number)
+{
+    return QLatin1Char('#') + QString::number(number);
+}
+
+/// Of whole seconds a duration is not known better.
+QString heldText(const DecidedFace &face, int toleranceMs)
+{
+    if (face.remainingMs <= 0)
+        return {};
+    const QString duration = durationWord(face.remainingMs);
+    return toleranceMs > 0 ? QLatin1Char('~') + duration : duration;
+}
+
+/// One column for each of @p faces, and what they are called in front.
+class FaceTable
+{
+public:
+    FaceTable(const QVector<DecidedFace> &faces, const Plan &plan)
+        : m_faces(faces)
+        , m_plan(plan)
+    { }
+
+    QString toText(int toleranceMs, const Paint &paint);
+
+private:
+    template <typename Cell>
+    void addRow(const QString &label, Cell cell)
+    {
+        QStringList cells{label};
+        for (const DecidedFace &face : m_faces)
+            cells << cell(face);
+        m_rows.append(cells);
+    }
+
+    /// Leaves the row out when there is nothing in it.
+    template <typename Cell>
+    void addRowIfAny(const QString &label, Cell cell)
+    {
+        addRow(label, cell);
+        const QStringList &row = m_rows.constLast();
+        if (std::all_of(row.cbegin() + 1, row.cend(), [](const QString &s) { return s.isEmpty(); }))
+            m_rows.removeLast();
+    }
+
+    void addBlankRow();
+    void addProminence();
+    void addContents();
+    void addScore();
+    void addOutcome(int toleranceMs);
+    int labelColumns() const;
+
+    const QVector<DecidedFace> m_faces;
+    const Plan &m_plan;
+    QVector<QStringList> m_rows;
+};
+
+void FaceTable::addBlankRow()
+{
+    addRow(QString(), [](const DecidedFace &) { return QString(); });
+}
+
+void FaceTable::addProminence()
+{
+    addRow(QStringLiteral("Gender"), [](const DecidedFace &f) { return genderText(f.evaluation); });
+    addRow(QStringLiteral("Age"), [](const DecidedFace &f) { return ageText(f.evaluation); });
+    addRow(QStringLiteral("Size"),
+        [](const DecidedFace &f) { return QString::number(f.face.size()); });
+    addRow(QStringLiteral("  place"),
+        [](const DecidedFace &f) { return QString::number(f.sizeRank); });
+    addRow(QStringLiteral("Direction"), directionText);
+    addRow(QStringLiteral("  place"),
+        [](const DecidedFace &f) { return QString::number(f.directionRank); });
+    addRow(QStringLiteral("Base score"),
+        [](const DecidedFace &f) { return numberText(f.prominence); });
+}
+
+void FaceTable::addContents()
+{
+    for (int position = 0; position < m_plan.contents.size(); ++position) {
+        addRow(contentWord(m_plan, m_plan.contents.at(position).sequenceNumber),
+            [position](const DecidedFace &face) {
+                return QString::fromLatin1(wordsOf(face.evaluation.reasons.at(position)).word);
+            });
+    }
+}
+
+void FaceTable::addScore()
+{
+    const auto part = [this](double Bonus::*which) {
+        return [this, which](
+                   const DecidedFace &face) { return bonusText(bonusOf(face, m_plan).*which); };
+    };
+    addRowIfAny(QStringLiteral("Bonus"), part(&Bonus::plain));
+    addRowIfAny(QStringLiteral("  gender*"), part(&Bonus::genderMark));
+    addRowIfAny(QStringLiteral("  age*"), part(&Bonus::ageMark));
+    addRow(QStringLiteral("Score"), [](const DecidedFace &f) { return numberText(f.score()); });
+}
+
+void FaceTable::addOutcome(int toleranceMs)
+{
+    addRow(QStringLiteral("Sequence"), [](const DecidedFace &face) {
+        return face.sequence > 0 ? sequenceText(face.sequence) : QStringLiteral("none");
+    });
+    addRowIfAny(QStringLiteral("Outcome"), [](const DecidedFace &face) {
+        return face.sequence > 0 ? outcomeWord(face.outcome) : QString();
+    });
+    addRowIfAny(QStringLiteral("  held for"),
+        [toleranceMs](const DecidedFace &face) { return heldText(face, toleranceMs); });
+}
+
+/// What the other columns leave of a line.
+int FaceTable::labelColumns() const
+{
+    int columns = LineColumns - Indent;
+    for (int column = 1; column <= m_faces.size(); ++column) {
+        int width = 0;
+        for (const QStringList &row : m_rows)
+            width = qMax(width, columnsOf(row.at(column)));
+        columns -= width + Indent;
+    }
+    return qBound(LeastLabelColumns, columns, MostLabelColumns);
+}
+
+QString FaceTable::toText(int toleranceMs, const Paint &paint)
+{
+    m_rows.clear();
+    addRow(QStringLiteral("In order"),
+        [](const DecidedFace &face) { return QStringLiteral("face %1").arg(face.face.index); });
+    addProminence();
+    addBlankRow();
+    addContents();
+    if (!m_plan.contents.isEmpty())
+        addBlankRow();
+    addScore();
+    addOutcome(toleranceMs);
+
+    TextTable table;
+    for (const QStringList &row : qAsConst(m_rows))
+        table.addRow(row);
+    table.limit(0, labelColumns());
+    return table.toText(paint);
+}
+
+QString headingText(const Plan &plan, const ReplayedFrame &frame, const Paint &paint)
+{
+    const QString place = QStringLiteral("%1:%2").arg(
+        printable(frame.position.file), QString::number(frame.position.line));
+    return paint.heading(screenWord(plan))
+        + QStringLiteral("\nFrame %1, %2, %3\n\n")
+              .arg(QString::number(frame.number),
+                  timeWord(frame.decision.time, frame.timeToleranceMs), place);
+}
+
+/// What the sensor program reports in the place of faces, or beside them.
+QString reportText(const ReplayedFrame &frame, const Paint &paint)
+{
+    QString text;
+    if (frame.decision.errorSeen) {
+        text += paint.warning(QStringLiteral("The sensor program reported a failure:"))
+            + QLatin1Char('\n');
+        const QStringList lines
+            = PluginKrHvcP2::SensorOutputParser::plainText(frame.text).split(QLatin1Char('\n'));
+        for (const QString &line : lines.mid(0, MaxFailureLines)) {
+            text += QLatin1String("  ") + fitted(printable(line), LineColumns - Indent)
+                + QLatin1Char('\n');
+        }
+        if (lines.size() > MaxFailureLines)
+            text += QStringLiteral("  and %1 more lines\n").arg(lines.size() - MaxFailureLines);
+        text += QLatin1Char('\n');
+    }
+    if (!frame.decision.faces.isEmpty())
+        return text;
+    return text
+        + QLatin1String(frame.decision.noFace ? "The sensor program counted no face.\n\n"
+                                              : "The frame holds no complete face.\n\n");
+}
+
+QString facesText(const Plan &plan, const ReplayedFrame &frame, const Paint &paint)
+{
+    const QVector<DecidedFace> &faces = frame.decision.faces;
+    QString text;
+    for (int first = 0; first < faces.size(); first += FacesInATable) {
+        text
+            += FaceTable(faces.mid(first, FacesInATable), plan).toText(frame.timeToleranceMs, paint)
+            + QLatin1Char('\n');
+    }
+    return text;
+}
+
+/// The words that the tables have for reasons, each once.
+QString legendText(const Plan &plan, const ReplayedFrame &frame)
+{
+    QString text;
+    if (!frame.decision.faces.isEmpty())
+        text += QStringLiteral(
+            "  place      the higher, the larger, or the straighter: half of that counts\n");
+    bool hasMark = false;
+    for (const ReasonWords &words : Reasons) {
+        const QString word = QString::fromLatin1(words.word);
+        bool occurs = false;
+        for (const DecidedFace &face : frame.decision.faces) {
+            occurs = occurs || face.evaluation.reasons.contains(words.reason);
+            hasMark = hasMark || face.evaluation.ageMarked || face.evaluation.genderMarked;
+        }
+        if (!occurs || text.contains(QLatin1String("  ") + word.leftJustified(11)))
+            continue;
+        text += QLatin1String("  ") + word.leftJustified(11) + QString::fromLatin1(words.meaning)
+            + QLatin1Char('\n');
+    }
+    if (hasMark)
+        text += QStringLiteral("  *          the sensor has settled on it\n");
+    for (const PlannedContent &entry : plan.entries) {
+        if (!entry.takesPart())
+            text += QStringLiteral("  %1 is not in the table: %2\n")
+                        .arg(contentWord(plan, entry.number), reasonWord(entry.reason));
+    }
+    return text.isEmpty() ? text : text + QLatin1Char('\n');
+}
+
+QString settingsText(const Plan &plan)
+{
+    return QStringLiteral("concurrent %1, event-sending-limit %2 ms\n")
+        .arg(plan.settings.concurrent)
+        .arg(plan.settings.eventSendingLimit);
+}
+
+QString evidenceText(const DecidedFace &face)
+{
+    if (face.evidence == DecidedFace::Times)
+        return {};
+    return QStringLiteral("The times leave open whether %1 was restricted%2.\n")
+        .arg(sequenceText(face.sequence),
+            QLatin1String(face.evidence == DecidedFace::Log ? "; the log tells"
+                                                            : ", and nothing else tells"));
+}
+
+QString sentText(const Plan &plan, const Decision &decision)
+{
+    QStringList sent;
+    QStringList restricted;
+    for (const DecidedFace &face : decision.faces) {
+        if (face.outcome == DecidedFace::Sent)
+            sent << contentWord(plan, face.sequence);
+        else if (face.outcome == DecidedFace::Restricted)
+            restricted << sequenceText(face.sequence);
+    }
+    const QString comma = QStringLiteral(", ");
+    if (!sent.isEmpty())
+        return QLatin1String("Sent: ") + sent.join(comma);
+    if (!restricted.isEmpty()) {
+        restricted.removeDuplicates();
+        return QStringLiteral("Nothing was sent: the restriction held %1 back.")
+            .arg(restricted.join(comma));
+    }
+    return QLatin1String(decision.faces.isEmpty() ? "Nothing was sent: there is no face."
+                                                  : "Nothing was sent: no content fits.");
+}
+
+QString neighboursText(const FrameChoice &choice)
+{
+    if (choice.neighbourCount() == 0)
+        return {};
+    QStringList numbers;
+    for (const qint64 number : choice.neighbours())
+        numbers << QString::number(number);
+    QString text = QLatin1String("Of the same second: frame ") + numbers.join(QLatin1String(", "));
+    const qint64 more = choice.neighbourCount() - choice.neighbours().size();
+    if (more > 0)
+        text += QStringLiteral(" and %1 more").arg(more);
+    return wrapped(text, 0);
+}
+
+QJsonValue orNull(bool isKnown, const QJsonValue &value)
+{
+    return isKnown ? value : QJsonValue();
+}
+
+QString evidenceKey(DecidedFace::Evidence evidence)
+{
+    switch (evidence) {
+    case DecidedFace::Times:
+        return QStringLiteral("times");
+    case DecidedFace::Log:
+        return QStringLiteral("log");
+    case DecidedFace::Likelihood:
+        return QStringLiteral("likelihood");
+    }
+    return {};
+}
+
+QJsonArray contentsJson(const Plan &plan, const FaceEvaluation &evaluation)
+{
+    QJsonArray contents;
+    int position = 0; // in the table
+    for (const PlannedContent &entry : plan.entries) {
+        QJsonObject content{{QStringLiteral("number"), entry.number},
+            {QStringLiteral("inTable"), entry.takesPart()}, {QStringLiteral("taken"), false},
+            {QStringLiteral("reason"), asKey(reasonWord(entry.reason))}};
+        if (entry.takesPart()) {
+            const ContentReason reason = evaluation.reasons.at(position++);
+            content[QStringLiteral("reason")] = QString::fromLatin1(wordsOf(reason).key);
+            content[QStringLiteral("taken")] = isTaken(reason);
+        }
+        contents.append(content);
+    }
+    return contents;
+}
+
+QJsonObject faceJson(const Plan &plan, const DecidedFace &face)
+{
+    const FaceEvaluation &evaluation = face.evaluation;
+    const Bonus bonus = bonusOf(face, plan);
+    const int direction = face.face.directionValue();
+    const bool hasSequence = face.sequence > 0;
+    return {
+        {QStringLiteral("index"), face.face.index},
+        {QStringLiteral("gender"),
+            genderWord(static_cast<PluginKrHvcP2::Gender>(evaluation.gender))},
+        {QStringLiteral("genderMarked"), evaluation.genderMarked},
+        {QStringLiteral("age"), orNull(evaluation.age >= 0, evaluation.age)},
+        {QStringLiteral("ageMarked"), evaluation.ageMarked},
+        {QStringLiteral("size"), face.face.size()},
+        {QStringLiteral("sizeRank"), face.sizeRank},
+        {QStringLiteral("direction"),
+            orNull(direction != PluginKrHvcP2::UnknownDirectionValue, direction)},
+        {QStringLiteral("directionRank"), face.directionRank},
+        {QStringLiteral("baseScore"), face.prominence},
+        {QStringLiteral("contents"), contentsJson(plan, evaluation)},
+        {QStringLiteral("bonus"), evaluation.match.bonus},
+        {QStringLiteral("bonusOfFit"), bonus.plain},
+        {QStringLiteral("bonusOfGenderMark"), bonus.genderMark},
+        {QStringLiteral("bonusOfAgeMark"), bonus.ageMark},
+        {QStringLiteral("score"), face.score()},
+        {QStringLiteral("sequence"), orNull(hasSequence, face.sequence)},
+        {QStringLiteral("outcome"), outcomeWord(face.outcome)},
+        {QStringLiteral("evidence"), orNull(hasSequence, evidenceKey(face.evidence))},
+        {QStringLiteral("heldForMs"), face.remainingMs},
+    };
+}
+
+QJsonValue logJson(const ReplayedFrame &frame)
+{
+    if (!frame.isLogged)
+        return {};
+    QJsonArray requests;
+    for (const LoggedRequest &request : frame.logged) {
+        requests.append(QJsonObject{{QStringLiteral("sequence"), request.number},
+            {QStringLiteral("outcome"),
+                outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent)}});
+    }
+    return QJsonObject{{QStringLiteral("requests"), requests},
+        {QStringLiteral("agrees"), frame.difference == Difference::None}};
+}
+
+} // namespace
+
+QString loggedText(const QVector<LoggedRequest> &requests)
+{
+    QStringList texts;
+    for (const LoggedRequest &request : requests) {
+        texts << sequenceText(request.number) + QLatin1Char(' ')
+                + outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent);
+    }
+    return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QLatin1String(", "));
+}
+
+QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &paint)
+{
+    const ReplayedFrame &frame = *choice.chosen();
+    QString text = headingText(plan, frame, paint) + reportText(frame, paint)
+        + facesText(plan, frame, paint) + legendText(plan, frame) + settingsText(plan);
+    for (const DecidedFace &face : frame.decision.faces)
+        text += evidenceText(face);
+    if (frame.difference != Difference::None) {
+        text += paint.warning(QLatin1String("The log says otherwise: ") + loggedText(frame.logged))
+            + QLatin1Char('\n');
+    }
+    const QString sent = wrapped(sentText(plan, frame.decision), 0);
+    return text + paint.good(sent.trimmed()) + QLatin1Char('\n') + neighboursText(choice);
+}
+
+QJsonObject frameJson(const Plan &plan, const FrameChoice &choice)
+{
+    const ReplayedFrame &frame = *choice.chosen();
+    QJsonArray faces;
+    QJsonArray sent;
+    for (const DecidedFace &face : frame.decision.faces) {
+        faces.append(faceJson(plan, face));
+        if (face.outcome == DecidedFace::Sent)
+            sent.append(face.sequence);
+    }
+    QJsonArray neighbours;
+    for (const qint64 number : choice.neighbours())
+        neighbours.append(number);
+    return {
+        {QStringLiteral("file"), plan.fileName},
+        {QStringLiteral("title"), plan.title},
+        {QStringLiteral("screen"), plan.screenId},
+        {QStringLiteral("screenName"), plan.screenName},
+        {QStringLiteral("concurrent"), plan.settings.concurrent},
+        {QStringLiteral("eventSendingLimit"), plan.settings.eventSendingLimit},
+        {QStringLiteral("frame"), frame.number},
+        {QStringLiteral("time"), isoTime(frame.decision.time, frame.timeToleranceMs)},
+        {QStringLiteral("timeToleranceMs"), frame.timeToleranceMs},
+        {QStringLiteral("source"), frame.position.file},
+        {QStringLiteral("line"), frame.position.line},
+        {QStringLiteral("failure"), frame.decision.errorSeen},
+        {QStringLiteral("noFace"), frame.decision.noFace},
+        {QStringLiteral("faces"), faces},
+        {QStringLiteral("sent"), sent},
+        {QStringLiteral("log"), logJson(frame)},
+        {QStringLiteral("sameSecond"), neighbours},
+        {QStringLiteral("sameSecondCount"), choice.neighbourCount()},
+    };
+}
+
+} // namespace Hvcp2

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tools/analysis/Plan.h"
+#include "tools/hvcp2/FrameChoice.h"
+#include "tools/hvcp2/Paint.h"
+
+#include <QJsonObject>
+#include <QString>
+
+namespace Hvcp2 {
+
+/// What the plug-in makes of the frame that @p choice has found, and why.
+QString frameText(const Analysis::Plan &plan, const FrameChoice &choice, const Paint &paint);
+QJsonObject frameJson(const Analysis::Plan &plan, const FrameChoice &choice);
+
+/// "#2 and #3, of which #3 was restricted" or "nothing", for what a log tells of a frame.
+QString loggedText(const QVector<Analysis::LoggedRequest> &requests);
+
+} // namespace Hvcp2
