@@ -4,6 +4,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 using namespace Hvcp2;
@@ -66,6 +69,8 @@ private slots:
     void chosenFrames();
     void fullScreen();
     void documentedExamples();
+    void documentsOfReplay_data();
+    void documentsOfReplay();
 
 private:
     static void compare(const QString &actual, const QString &fileName);
@@ -119,6 +124,25 @@ void tst_Hvcp2Frames::outputs_data()
     add("log.differs.explain.json.txt",
         "explain KrHvcP2Log_20180201.txt --stage window.json --frame 3 --settings concurrent=2"
         " --json");
+    add("hall.replay.txt", "replay hall.txt --stage door.json");
+    add("hall.replay.json.txt", "replay hall.txt --stage door.json --json");
+    add("hall.replay.csv.txt", "replay hall.txt --stage door.json --csv");
+    add("hall.nothing.replay.txt", "replay hall.txt --stage empty.json");
+    add("hall.nothing.replay.json.txt", "replay hall.txt --stage empty.json --json");
+    add("log.replay.txt", "replay KrHvcP2Log_20180201.txt --stage window.json");
+    add("log.replay.json.txt", "replay KrHvcP2Log_20180201.txt --stage window.json --json");
+    add("log.settings.replay.txt",
+        "replay KrHvcP2Log_20180201.txt --stage window.json --settings concurrent=2"
+        " event-sending-limit=3000");
+    add("log.settings.replay.json.txt",
+        "replay KrHvcP2Log_20180201.txt --stage window.json --settings concurrent=2"
+        " event-sending-limit=3000 --json");
+    add("log.stage.replay.csv.txt", "replay KrHvcP2Log_20180201.txt --stage door.json --csv");
+    add("damaged.replay.txt", "replay KrHvcP2Log_20180202.txt --stage window.json");
+    add("damaged.replay.csv.txt", "replay KrHvcP2Log_20180202.txt --stage window.json --csv");
+    add("days.replay.txt",
+        "replay KrHvcP2Log_20180201.txt KrHvcP2Log_20180202.txt --stage window.json"
+        " --settings concurrent=20");
 }
 
 void tst_Hvcp2Frames::outputs()
@@ -240,6 +264,29 @@ void tst_Hvcp2Frames::documentedExamples()
         QCOMPARE(output.split(QLatin1Char('\n')), example.output.split(QLatin1Char('\n')));
     }
     QVERIFY(QDir::setCurrent(m_directory));
+}
+
+void tst_Hvcp2Frames::documentsOfReplay_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<int>("starts");
+
+    QTest::newRow("several starts") << "log.replay.json.txt" << 4;
+    QTest::newRow("no starts") << "hall.nothing.replay.json.txt" << 0;
+}
+
+/// They are written piece by piece.
+void tst_Hvcp2Frames::documentsOfReplay()
+{
+    QFETCH(QString, fileName);
+
+    QString text = readText(fileName);
+    text.truncate(text.lastIndexOf(QLatin1String("[status")));
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
+    QVERIFY2(error.error == QJsonParseError::NoError, qPrintable(error.errorString()));
+    QTEST(document.object().value(QStringLiteral("starts")).toArray().size(), "starts");
+    QVERIFY(document.object().contains(QStringLiteral("log")));
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Frames)

@@ -13,6 +13,7 @@
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
 #include <sys/stat.h>
 #endif
 
@@ -45,6 +46,9 @@ private slots:
     void noColorsInAPipe();
     void coverageJson_data();
     void coverageJson();
+    void framesOnStandardInput();
+    void pacedReplay();
+    void interruptedReplay();
     void pictureIsReplaced();
     void pictureThatCannotBeWritten_data();
     void pictureThatCannotBeWritten();
@@ -60,7 +64,8 @@ private:
         QString error;
     };
 
-    Result run(const QStringList &arguments, const QString &outputFile = {}) const;
+    Result run(const QStringList &arguments, const QString &outputFile = {},
+        const QString &inputFile = {}) const;
     static QString text(const QByteArray &printed);
     QString writeStage(const QByteArray &json) const;
 
@@ -68,9 +73,11 @@ private:
 };
 
 tst_Hvcp2Program::Result tst_Hvcp2Program::run(
-    const QStringList &arguments, const QString &outputFile) const
+    const QStringList &arguments, const QString &outputFile, const QString &inputFile) const
 {
     QProcess process;
+    if (!inputFile.isEmpty())
+        process.setStandardInputFile(inputFile);
     process.setWorkingDirectory(m_directory.path());
     if (!outputFile.isEmpty())
         process.setStandardOutputFile(outputFile);
@@ -158,6 +165,18 @@ void tst_Hvcp2Program::refused_data()
         << "hvcp2 explain: none.json: no such file";
     QTest::newRow("a stage file that is a folder") << good << "explain --stage folder"
         << "hvcp2 explain: folder: is not a file";
+    QTest::newRow("nothing to replay") << good << "replay --stage stage.json"
+        << "hvcp2 replay: FRAMES are needed: a log directory, files or -.";
+    QTest::newRow("a replay without a stage") << good << "replay stage.json"
+        << "hvcp2 replay: --stage FILE is needed.";
+    QTest::newRow("no speed") << good << "replay stage.json --stage stage.json --speed 0"
+        << "hvcp2 replay: --speed: \"0\" is no number above 0";
+    QTest::newRow("a speed that is no number") << good << "replay stage.json --stage stage.json --speed fast"
+        << "hvcp2 replay: --speed: \"fast\" is no number above 0";
+    QTest::newRow("an endless speed") << good << "replay stage.json --stage stage.json --speed inf"
+        << "hvcp2 replay: --speed: \"inf\" is no number above 0";
+    QTest::newRow("two forms at once") << good << "replay stage.json --stage stage.json --csv --json"
+        << "hvcp2 replay: --csv and --json exclude each other.";
 #ifdef Q_OS_UNIX
     QTest::newRow("a stage file that is a pipe") << good << "explain --stage pipe"
         << "hvcp2 explain: pipe: is not a file";
@@ -333,6 +352,75 @@ void tst_Hvcp2Program::coverageJson()
             QCOMPARE(ages.at(age), number > 0 ? QJsonValue(number) : QJsonValue());
         }
     }
+}
+
+/// Two women, two seconds apart, for a restriction of a second.
+QByteArray recordedVisits()
+{
+    const QByteArray face = "Face result count:1\nIndex:0\tX:1 Y:2 Size:3 Confidence:4\n"
+                            "Age\tAge:30 Confidence:5\nGender\tGender:Female Confidence:6\n";
+    return "@1000\n" + face + "@3000\n" + face;
+}
+
+void tst_Hvcp2Program::framesOnStandardInput()
+{
+    const QString file = m_directory.filePath(QStringLiteral("frames.txt"));
+    QVERIFY(writeFile(file, recordedVisits()));
+    const QStringList more{QStringLiteral("-"), QStringLiteral("--stage"),
+        shippedStage("shop-window.json"), QStringLiteral("--settings"),
+        QStringLiteral("event-sending-limit=1000")};
+    Result result = run(QStringList{QStringLiteral("explain")} + more, {}, file);
+    QCOMPARE(result.error, QString());
+    QVERIFY(result.output.contains(QLatin1String("Frame 2, 1970-01-01 00:00:03.000 UTC, -:6\n")));
+    QVERIFY(result.output.endsWith(QLatin1String("\nSent: #5 Women 25-54\n")));
+    QCOMPARE(result.status, 0);
+    result = run(QStringList{QStringLiteral("replay"), QStringLiteral("--csv")} + more, {}, file);
+    QCOMPARE(result.error, QString());
+    QCOMPARE(result.output,
+        QStringLiteral("frame,time,face,sequence,score,outcome\n"
+                       "1,1970-01-01T00:00:01.000Z,0,5,2,sent\n"
+                       "2,1970-01-01T00:00:03.000Z,0,5,2,sent\n"));
+    QCOMPARE(result.status, 0);
+}
+
+void tst_Hvcp2Program::pacedReplay()
+{
+    const QString file = m_directory.filePath(QStringLiteral("frames.txt"));
+    QVERIFY(writeFile(file, recordedVisits()));
+    const QStringList arguments{QStringLiteral("replay"), QStringLiteral("frames.txt"),
+        QStringLiteral("--stage"), shippedStage("shop-window.json")};
+    const Result atOnce = run(arguments);
+    QElapsedTimer timer;
+    timer.start();
+    const Result paced
+        = run(arguments + QStringList{QStringLiteral("--speed"), QStringLiteral("4")});
+    QVERIFY(timer.elapsed() >= 450);
+    QCOMPARE(paced.output, atOnce.output);
+    QCOMPARE(paced.status, 0);
+}
+
+/// Its document is whole.
+void tst_Hvcp2Program::interruptedReplay()
+{
+#ifdef Q_OS_UNIX
+    const QString file = m_directory.filePath(QStringLiteral("frames.txt"));
+    QVERIFY(writeFile(file, recordedVisits()));
+    QProcess process;
+    process.start(QStringLiteral(KRHVC_HVCP2_FILE),
+        {QStringLiteral("replay"), file, QStringLiteral("--stage"),
+            shippedStage("shop-window.json"), QStringLiteral("--json"), QStringLiteral("--speed"),
+            QStringLiteral("0.001")});
+    QVERIFY(process.waitForReadyRead());
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 130);
+    QCOMPARE(text(process.readAllStandardError()), QStringLiteral("hvcp2 replay: interrupted\n"));
+    const QJsonDocument document = QJsonDocument::fromJson(process.readAllStandardOutput());
+    QVERIFY(!document.object().value(QStringLiteral("starts")).toArray().isEmpty());
+#else
+    QSKIP("Only a console can interrupt a program there.");
+#endif
 }
 
 void tst_Hvcp2Program::pictureIsReplaced()

@@ -22,16 +22,6 @@ Moment momentOf(const Entry &entry)
     return {entry.time, entry.time.addMSecs(entry.timeToleranceMs)};
 }
 
-QVector<int> requestedNumbers(const Decision &decision)
-{
-    QVector<int> numbers;
-    for (const DecidedFace &face : decision.faces) {
-        if (face.outcome == DecidedFace::Sent || face.outcome == DecidedFace::Restricted)
-            numbers.append(face.sequence);
-    }
-    return numbers;
-}
-
 QVector<int> numbersOf(const QVector<LoggedRequest> &requests)
 {
     QVector<int> numbers;
@@ -41,6 +31,18 @@ QVector<int> numbersOf(const QVector<LoggedRequest> &requests)
 }
 
 } // namespace
+
+QVector<LoggedRequest> expectedRequests(const ReplayedFrame &frame)
+{
+    QVector<LoggedRequest> requests;
+    for (const DecidedFace &face : frame.decision.faces) {
+        if (face.outcome == DecidedFace::Sent || face.outcome == DecidedFace::Restricted)
+            requests.append({face.sequence, face.outcome == DecidedFace::Restricted});
+    }
+    if (frame.difference == Difference::Restriction)
+        requests[frame.differing].isRestricted = !frame.logged.at(frame.differing).isRestricted;
+    return requests;
+}
 
 Replay::Replay(const Plan &plan)
     : m_settings(plan.settings)
@@ -140,7 +142,7 @@ std::optional<ReplayedFrame> Replay::complete(const Entry *determined)
 void Replay::judge(ReplayedFrame *frame, const Moment &moment)
 {
     const int limit = m_settings.eventSendingLimit;
-    const QVector<int> requested = requestedNumbers(frame->decision);
+    const QVector<int> requested = numbersOf(expectedRequests(*frame));
     if (!frame->isLogged) {
         for (const int number : requested)
             m_loggedStarts.settle(number, moment, limit, m_loggedStarts.ask(number, moment, limit));

@@ -29,6 +29,10 @@ struct ReplayedFrame
     int differing = -1; ///< Restriction: which request
 };
 
+/// What the plan requests for @p frame. Where the log differs in what came of one request, that has
+/// the outcome that it would have had behind the starts that the log tells of.
+QVector<LoggedRequest> expectedRequests(const ReplayedFrame &frame);
+
 /// Replays the frames of logs and recordings under a plan, and holds the records of a log against
 /// that.
 ///

@@ -29,6 +29,8 @@ public:
     /// Returns Fine, or Interrupted after Ctrl+C.
     ExitStatus finish();
 
+    void clearProgress() { m_progress.clear(); } ///< for a result on the same terminal
+
     Analysis::EntrySource &source() { return *m_source; }
     qint64 unreadable() const { return m_unreadable; } ///< so far: places that were left out
 

@@ -485,16 +485,6 @@ QJsonValue logJson(const ReplayedFrame &frame)
 
 } // namespace
 
-QString loggedText(const QVector<LoggedRequest> &requests)
-{
-    QStringList texts;
-    for (const LoggedRequest &request : requests) {
-        texts << sequenceText(request.number) + QLatin1Char(' ')
-                + outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent);
-    }
-    return texts.isEmpty() ? QStringLiteral("nothing") : texts.join(QLatin1String(", "));
-}
-
 QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &paint)
 {
     const ReplayedFrame &frame = *choice.chosen();
@@ -503,7 +493,8 @@ QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &pain
     for (const DecidedFace &face : frame.decision.faces)
         text += evidenceText(face);
     if (frame.difference != Difference::None) {
-        text += paint.warning(QLatin1String("The log says otherwise: ") + loggedText(frame.logged))
+        text
+            += paint.warning(QLatin1String("The log says otherwise: ") + requestsWord(frame.logged))
             + QLatin1Char('\n');
     }
     const QString sent = wrapped(sentText(plan, frame.decision), 0);

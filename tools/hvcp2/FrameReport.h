@@ -13,7 +13,4 @@ namespace Hvcp2 {
 QString frameText(const Analysis::Plan &plan, const FrameChoice &choice, const Paint &paint);
 QJsonObject frameJson(const Analysis::Plan &plan, const FrameChoice &choice);
 
-/// "#2 and #3, of which #3 was restricted" or "nothing", for what a log tells of a frame.
-QString loggedText(const QVector<Analysis::LoggedRequest> &requests);
-
 } // namespace Hvcp2

@@ -4,6 +4,7 @@
 #include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
 #include "tools/hvcp2/RecordCommand.h"
+#include "tools/hvcp2/ReplayCommand.h"
 
 #include <algorithm>
 
@@ -136,7 +137,8 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {explainCommand(), coverageCommand(), compareCommand(), recordCommand()};
+    return {
+        explainCommand(), coverageCommand(), replayCommand(), compareCommand(), recordCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)

@@ -62,6 +62,16 @@ QString outcomeWord(DecidedFace::Outcome outcome)
     return {};
 }
 
+QString requestsWord(const QVector<LoggedRequest> &requests)
+{
+    QStringList words;
+    for (const LoggedRequest &request : requests) {
+        words << QStringLiteral("#%1 %2").arg(QString::number(request.number),
+            outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent));
+    }
+    return words.isEmpty() ? QStringLiteral("nothing") : words.join(QLatin1String(", "));
+}
+
 QString genderWord(Gender gender)
 {
     const QString word = PluginKrHvcP2::genderToText(gender);

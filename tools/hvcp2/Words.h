@@ -15,6 +15,8 @@ QString reasonWord(PluginKrHvcP2::EntryReason reason); ///< for example "ages re
 QString fitWord(Analysis::Choice::Fit fit); ///< "fits", "default", "age alone", "nothing"
 /// "sent", "restricted", "cut", "nothing".
 QString outcomeWord(Analysis::DecidedFace::Outcome outcome);
+/// "#2 sent, #3 restricted"; "nothing" without any.
+QString requestsWord(const QVector<Analysis::LoggedRequest> &requests);
 QString genderWord(PluginKrHvcP2::Gender gender); ///< "female", "male", "unknown"
 QString agesWord(const Analysis::AgeRange &ages); ///< "20-29", "20" for a single year
 QString asKey(QString word); ///< "ages-reversed"
