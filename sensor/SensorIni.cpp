@@ -47,33 +47,33 @@ bool holdsStoredObject(const QByteArray &ini)
     return text.contains(QLatin1String("@Variant(")) || text.contains(QLatin1String("@DateTime("));
 }
 
-bool isReadable(const QString &fileName)
+} // namespace
+
+QString sensorIniObjection(const QString &fileName)
 {
     // isFile(): reading a FIFO of that name would block the host for ever.
     QFile file(fileName);
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
-        return false;
+    if (!QFileInfo(file).isFile())
+        return QStringLiteral("there is no such file");
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("it cannot be opened");
 
     const QByteArray ini = file.read(LargestIni + 1);
-    if (ini.size() > LargestIni) {
-        qCDebug(krhvcSensor, "%ls counts as missing: it is larger than %d bytes",
-            qUtf16Printable(fileName), LargestIni);
-        return false;
-    }
-    if (holdsStoredObject(ini)) {
-        qCDebug(krhvcSensor, "%ls counts as missing: it holds \"@Variant(\" or \"@DateTime(\"",
-            qUtf16Printable(fileName));
-        return false;
-    }
-    return true;
+    if (ini.size() > LargestIni)
+        return QStringLiteral("it is larger than %1 bytes").arg(LargestIni);
+    if (holdsStoredObject(ini))
+        return QStringLiteral("it holds \"@Variant(\" or \"@DateTime(\"");
+    return {};
 }
-
-} // namespace
 
 SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults)
 {
-    if (!isReadable(fileName))
+    const QString objection = sensorIniObjection(fileName);
+    if (!objection.isEmpty()) {
+        qCDebug(krhvcSensor, "%ls counts as missing: %ls", qUtf16Printable(fileName),
+            qUtf16Printable(objection));
         return defaults;
+    }
 
     QSettings settings(fileName, QSettings::IniFormat);
     settings.setIniCodec("UTF-8");

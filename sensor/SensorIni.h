@@ -19,4 +19,7 @@ struct SensorParameters
 /// could take the host's memory or stack.
 SensorParameters readSensorIni(const QString &fileName, const SensorParameters &defaults);
 
+/// Why @p fileName counts as missing; empty when it is read.
+QString sensorIniObjection(const QString &fileName);
+
 } // namespace PluginKrHvcP2
