@@ -1,5 +1,6 @@
 #include "tools/hvcp2/Program.h"
 
+#include "tools/hvcp2/CheckCommand.h"
 #include "tools/hvcp2/CompareCommand.h"
 #include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
@@ -137,8 +138,8 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {
-        explainCommand(), coverageCommand(), replayCommand(), compareCommand(), recordCommand()};
+    return {explainCommand(), coverageCommand(), replayCommand(), compareCommand(), recordCommand(),
+        checkCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)

@@ -1,5 +1,6 @@
 #include "tools/hvcp2/RecordCommand.h"
 
+#include "sensor/KrHvcController.h"
 #include "tools/hvcp2/RecordOptions.h"
 #include "tools/hvcp2/SensorSession.h"
 
@@ -11,7 +12,7 @@ namespace Hvcp2 {
 
 namespace {
 
-const QString SensorProgram = QStringLiteral("HvcCon.exe");
+const QString SensorProgram = QLatin1String(PluginKrHvcP2::KrHvcController::ProgramName);
 
 bool isSensorProgram(const QString &fileName)
 {
