@@ -36,6 +36,7 @@ namespace {
 
 constexpr int BeatMs = 10;
 constexpr int RestartPauseMs = 20; // in which the program's end is noticed
+constexpr int LongestQueuedMs = 20; // of a message: the panel asks for it after a millisecond
 constexpr int LongestDisturbanceMs = 1000;
 constexpr int CrowdIntervalMs = 100; // a busy machine lays out no more
 constexpr int Contents = 20;
@@ -329,17 +330,13 @@ void Host::takePanel()
     m_scene.addItem(m_panel);
 }
 
-/// When nothing is queued for it any more: by design a panel that goes leaves that behind.
+/// The old one stays for a moment: by design a panel that goes leaves behind what is queued for it.
 void Host::replacePanel()
 {
-    m_plugin->stop();
-    later(RestartPauseMs, [this] {
-        Kora::KrPluginGraphicsItem *old = m_panel;
-        m_plugin->releaseGraphicsItem();
-        takePanel();
-        delete old;
-        m_plugin->start();
-    });
+    Kora::KrPluginGraphicsItem *old = m_panel;
+    m_plugin->releaseGraphicsItem();
+    takePanel();
+    later(LongestQueuedMs, [old] { delete old; });
 }
 
 void Host::showPanel(int ms)
