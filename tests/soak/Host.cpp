@@ -123,6 +123,11 @@ void Host::rest()
 {
     m_plugin->stop();
     initialize(Contents);
+    // Else the last report and notice would stay, or none, which differ from rest to rest; a report
+    // of what has come in one piece may be of any size.
+    QMetaObject::invokeMethod(m_object, "onDataReceived", Qt::DirectConnection,
+        Q_ARG(QString, QStringLiteral("At rest.\n")));
+    m_plugin->requestSequenceNumber(0); // is refused: there is none
 }
 
 void Host::perform(const Event &event)

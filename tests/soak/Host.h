@@ -35,7 +35,8 @@ public:
 
     void start();
 
-    /// Stops the plug-in and initializes it, so that nothing is left that was begun.
+    /// Stops the plug-in and initializes it, so that nothing is left that was begun, and lets it
+    /// show what it always shows at rest.
     void rest();
 
     void perform(const Event &event); ///< may run event loops

@@ -50,9 +50,9 @@ QStringList growth(const QVector<Sample> &samples, std::optional<double> memoryA
         if (after - before > *memoryAllowance)
             sentences += QStringLiteral("memory: %1 MiB in the second quarter, %2 MiB in the last "
                                         "one, at most %3 MiB more would be noise")
-                             .arg(before, 0, 'f', 1)
-                             .arg(after, 0, 'f', 1)
-                             .arg(*memoryAllowance, 0, 'f', 1);
+                             .arg(before, 0, 'f', 2)
+                             .arg(after, 0, 'f', 2)
+                             .arg(*memoryAllowance, 0, 'f', 2);
     }
     const Sample &half = samples.at((samples.size() - 1) / 2);
     const Sample &end = samples.constLast();

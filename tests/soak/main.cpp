@@ -17,9 +17,9 @@ enum ExitStatus { Flat = 0, Grown = 1, BadCommandLine = 2 };
 
 constexpr int FewestFrames = 100;
 constexpr int GreatestRate = 1000; // the sensor program counts whole milliseconds
-// MiB. At rest the medians of a quarter's samples differ by a twentieth of it; a leak of six bytes
-// a frame comes to more in half a day.
-constexpr double MemoryAllowance = 0.5;
+// MiB. At rest the medians of a quarter's samples differ by a fifth of it; a leak of three bytes a
+// frame comes to more in half a day.
+constexpr double MemoryAllowance = 0.2;
 
 std::optional<int> toNumber(const QString &text, int min, int max)
 {
