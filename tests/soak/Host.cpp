@@ -116,6 +116,7 @@ Host::~Host()
 
 void Host::start()
 {
+    ++m_starts;
     m_plugin->start();
 }
 
@@ -138,7 +139,7 @@ void Host::perform(const Event &event)
         break;
     case Deed::Initialize:
         initialize(1 + below(event.value, Contents));
-        m_plugin->start();
+        start();
         break;
     case Deed::ChangeRate:
         changeRate(event.value);
@@ -182,7 +183,7 @@ void Host::perform(const Event &event)
         break;
     case Deed::RestartAtOnce:
         m_plugin->stop();
-        m_plugin->start();
+        start();
         break;
     case Deed::KillProgram:
         KrTest::endSensorPrograms();
@@ -287,7 +288,7 @@ void Host::restart(const Sensor &once)
     m_plugin->stop();
     later(RestartPauseMs, [this, once] {
         choose(once);
-        m_plugin->start();
+        start();
         choose(m_sensor);
     });
 }
@@ -384,10 +385,16 @@ void Host::click(const QString &buttonName)
 void Host::clickRestart()
 {
     const bool wasStarted = m_plugin->status() == Kora::Status::Started;
+    const int starts = m_starts;
     click(Stop);
-    if (wasStarted && m_plugin->status() == Kora::Status::Started)
+    // While it stops, its log may run events, and with them another deed that starts it again.
+    const bool isStarted = m_plugin->status() == Kora::Status::Started && m_starts == starts;
+    if (wasStarted && isStarted)
         emit complained(QStringLiteral("a click on \"Stop\" has not stopped the plug-in"));
-    later(RestartPauseMs, [this] { click(Start); });
+    later(RestartPauseMs, [this] {
+        ++m_starts;
+        click(Start);
+    });
 }
 
 /// The settings; their "Ok" and "Cancel" are nobody's business here.

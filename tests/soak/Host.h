@@ -107,6 +107,7 @@ private:
     int m_frames = 0;
     int m_chunks = 0; // with a frame or more
     int m_followUps = 0;
+    int m_starts = 0; // of the plug-in, by any deed
     Sensor m_sensor;
     int m_busyMs = 0; // to spend in the next contentStarted()
 };
