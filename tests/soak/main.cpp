@@ -38,6 +38,8 @@ int main(int argc, char *argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false); // dialogs come and go
+    // One that is closed before it is told of its activation keeps the focus, and a timer to blink.
+    QApplication::setCursorFlashTime(0);
 
     constexpr int MaxInt = std::numeric_limits<int>::max();
     const Options defaults;
