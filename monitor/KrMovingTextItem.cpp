@@ -6,6 +6,7 @@
 #include "monitor/SlidePath.h"
 
 #include <QBrush>
+#include <QElapsedTimer>
 #include <QPen>
 #include <QPropertyAnimation>
 #include <QTextDocument>
@@ -44,6 +45,28 @@ SlidePath slidePathOf(const KrTextItem_Private &item, const QSizeF &panel)
     return slidePath(normalizedDirection(item.direction()), panel, document.idealWidth(),
         document.size().height());
 }
+
+/// Moves a message, and can be ended in time by the clock, too. The ticks of animations come 16 ms
+/// apart at best, and one that comes a little late lets a slide wait for another.
+class Slide : public QPropertyAnimation
+{
+public:
+    Slide(KrTextItem_Private *item, const QPointF &from, const QPointF &to, QObject *parent)
+        : QPropertyAnimation(item, QByteArrayLiteral("pos"), parent)
+    {
+        setDuration(SlideMs);
+        setEasingCurve(QEasingCurve::OutQuint);
+        setStartValue(from);
+        setEndValue(to);
+        m_sinceStart.start();
+    }
+
+    bool isOver() const { return m_sinceStart.elapsed() >= SlideMs; }
+    void end() { setCurrentTime(SlideMs); }
+
+private:
+    QElapsedTimer m_sinceStart;
+};
 
 } // namespace
 
@@ -137,6 +160,7 @@ void KrMovingTextItem::moveTextItem()
     if (previous)
         leave(previous);
     enter(item);
+    endSlidesInTime();
 }
 
 void KrMovingTextItem::buttonClicked(QObject *button)
@@ -248,14 +272,31 @@ void KrMovingTextItem::leave(TextItem *item)
 void KrMovingTextItem::slide(
     TextItem *item, const QPointF &from, const QPointF &to, bool deleteAtEnd)
 {
-    auto *animation = new QPropertyAnimation(item, QByteArrayLiteral("pos"), this);
-    animation->setDuration(SlideMs);
-    animation->setEasingCurve(QEasingCurve::OutQuint);
-    animation->setStartValue(from);
-    animation->setEndValue(to);
+    auto *animation = new Slide(item, from, to, this);
     if (deleteAtEnd)
         connect(animation, &QAbstractAnimation::finished, item, &QObject::deleteLater);
     animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+/// So that, however many messages come, only those of the last 0.8 s are on the panel.
+void KrMovingTextItem::endSlidesInTime()
+{
+    QVector<QPointer<Slide>> over;
+    const QObjectList oldestFirst = children();
+    for (QObject *child : oldestFirst) {
+        auto *slide = dynamic_cast<Slide *>(child);
+        if (slide == nullptr)
+            continue;
+        if (!slide->isOver())
+            break;
+        if (slide->state() == QAbstractAnimation::Running)
+            over.append(slide);
+    }
+    // Who watches an item may delete any of them, and the panel.
+    for (const QPointer<Slide> &slide : qAsConst(over)) {
+        if (slide)
+            slide->end();
+    }
 }
 
 } // namespace PluginKrHvcP2

@@ -70,6 +70,7 @@ private:
     void enter(TextItem *item);
     void leave(TextItem *item);
     void slide(TextItem *item, const QPointF &from, const QPointF &to, bool deleteAtEnd);
+    void endSlidesInTime();
 
     Kora::KrPluginExtScreenInterface *m_plugin = nullptr; // may dangle: ask hasPlugin()
     QPointer<QObject> m_pluginObject;

@@ -181,6 +181,7 @@ private slots:
     void emptyQueue();
     void twoAtOnce();
     void leavingMessageIsNotPushedAgain();
+    void slidesEndByTheClock();
     void messageDeletedByAnother();
     void sizeOfTheMomentCounts();
     void clipping();
@@ -793,6 +794,25 @@ void tst_KrMovingTextItem::leavingMessageIsNotPushedAgain()
 
     finishAnimations(panel);
     QCOMPARE(textsOf(panel), QStringList{QStringLiteral("third")});
+}
+
+/// Animations are moved by ticks, of which there are none without an event loop.
+void tst_KrMovingTextItem::slidesEndByTheClock()
+{
+    KrMovingTextItem panel;
+    panel.setItemSize(400, 300);
+    const auto show = [&panel](const QString &text) {
+        panel.addText(text, 2);
+        showNext(panel);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    show(QStringLiteral("first"));
+    show(QStringLiteral("second"));
+    QCOMPARE(textsOf(panel), QStringList({QStringLiteral("first"), QStringLiteral("second")}));
+
+    QThread::msleep(801);
+    show(QStringLiteral("third"));
+    QCOMPARE(textsOf(panel), QStringList({QStringLiteral("second"), QStringLiteral("third")}));
 }
 
 void tst_KrMovingTextItem::messageDeletedByAnother()
