@@ -42,24 +42,6 @@ bool isEndPrompt(QStringView line)
     return startsWithIgnoringCase(line, u"Press Space Key to end:");
 }
 
-/// Whether @p line has "Failed " in it, in any letter case. No letter of another script is one of
-/// these in another case.
-bool isError(QStringView line)
-{
-    constexpr QStringView word = u"failed";
-    const auto isSame
-        = [](QChar wanted, QChar c) { return (c.unicode() | 0x20U) == wanted.unicode(); };
-    // Blanks are rarer than the word's letters.
-    const QChar *blank = std::find(line.cbegin(), line.cend(), QLatin1Char(' '));
-    while (blank != line.cend()) {
-        if (blank - line.cbegin() >= word.size()
-            && std::equal(word.cbegin(), word.cend(), blank - word.size(), isSame))
-            return true;
-        blank = std::find(blank + 1, line.cend(), QLatin1Char(' '));
-    }
-    return false;
-}
-
 std::optional<int> toNumber(QStringView text)
 {
     const bool isNegative = startsWith(text, u"-");
@@ -142,6 +124,23 @@ bool SensorOutputParser::isLabel(QStringView label)
         || startsWith(label, u"Face Direction")
         || (startsWithIgnoringCase(label, u"Index:") && valueNumber(tokenValue(label)));
     return isKnown && !isError(label);
+}
+
+bool SensorOutputParser::isError(QStringView line)
+{
+    constexpr QStringView word = u"failed";
+    // No letter of another script is one of these in another case.
+    const auto isSame
+        = [](QChar wanted, QChar c) { return (c.unicode() | 0x20U) == wanted.unicode(); };
+    // Blanks are rarer than the word's letters.
+    const QChar *blank = std::find(line.cbegin(), line.cend(), QLatin1Char(' '));
+    while (blank != line.cend()) {
+        if (blank - line.cbegin() >= word.size()
+            && std::equal(word.cbegin(), word.cend(), blank - word.size(), isSame))
+            return true;
+        blank = std::find(blank + 1, line.cend(), QLatin1Char(' '));
+    }
+    return false;
 }
 
 SensorOutputParser::SensorOutputParser(const QDateTime &time)

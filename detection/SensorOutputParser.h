@@ -40,6 +40,9 @@ public:
     /// Whether parse() reads the text behind @p label, the first field of a line.
     static bool isLabel(QStringView label);
 
+    /// Whether @p line reports a failure: has "Failed " in it, in any letter case.
+    static bool isError(QStringView line);
+
 private:
     explicit SensorOutputParser(const QDateTime &time);
 

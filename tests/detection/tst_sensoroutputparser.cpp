@@ -619,6 +619,8 @@ void tst_SensorOutputParser::flags()
     const SensorFrame frame = parse(chunk);
     QCOMPARE(frame.errorSeen, errorSeen);
     QCOMPARE(frame.noFace, noFace);
+    const QStringList lines = SensorOutputParser::plainText(chunk).split(QLatin1Char('\n'));
+    QCOMPARE(std::any_of(lines.cbegin(), lines.cend(), &SensorOutputParser::isError), errorSeen);
 }
 
 void tst_SensorOutputParser::valueTypes()
