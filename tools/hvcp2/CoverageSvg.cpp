@@ -3,10 +3,9 @@
 #include "core/screen/Gender.h"
 #include "tools/hvcp2/ConsoleText.h"
 #include "tools/hvcp2/CoverageReport.h"
+#include "tools/hvcp2/Markup.h"
 #include "tools/hvcp2/Paint.h"
 #include "tools/hvcp2/Words.h"
-
-#include <QXmlStreamWriter>
 
 namespace Hvcp2 {
 
@@ -29,7 +28,6 @@ constexpr Stage::StageColor White{255, 255, 255};
 constexpr Stage::StageColor KeyColor{110, 119, 129};
 constexpr int TextSize = 14; // as in Style
 constexpr int TitleSize = 22; // likewise
-constexpr double LetterWidth = 0.62; // of the size of the letters; on the safe side
 
 // Also for a page that holds the picture among other things.
 constexpr auto Style = R"(
@@ -57,26 +55,18 @@ int xOf(int age)
     return MapLeft + (age - LowestCoveredAge) * YearWidth;
 }
 
-int columnsFor(int width, int letterSize)
-{
-    return static_cast<int>(width / (letterSize * LetterWidth));
-}
-
-class Picture
+class Picture : private Markup
 {
 public:
-    Picture(const Plan &plan, const Coverage &coverage)
-        : m_plan(plan)
+    Picture(const Plan &plan, const Coverage &coverage, QXmlStreamWriter &writer)
+        : Markup(writer)
+        , m_plan(plan)
         , m_coverage(coverage)
         , m_findings(coverageFindings(plan, coverage))
-        , m_writer(&m_svg)
     { }
 
-    QByteArray draw()
+    void draw()
     {
-        m_writer.setAutoFormatting(true);
-        m_writer.setAutoFormattingIndent(1);
-        m_writer.writeStartDocument();
         begin();
         drawHeading();
         drawAxis();
@@ -88,8 +78,7 @@ public:
         drawKey(top + 10);
         drawLegend(legendTop());
         drawFindings(findingsTop());
-        m_writer.writeEndDocument();
-        return m_svg;
+        end();
     }
 
 private:
@@ -98,60 +87,10 @@ private:
     int findingsTop() const { return legendTop() + (legendRows() + 1) * LineHeight; }
     int height() const { return findingsTop() + (qMax(1, m_findings.size()) + 1) * LineHeight; }
 
-    void attribute(const char *name, const QString &value)
-    {
-        m_writer.writeAttribute(QLatin1String(name), value);
-    }
-
-    void attribute(const char *name, int value) { attribute(name, QString::number(value)); }
-
-    void start(const char *element) { m_writer.writeStartElement(QLatin1String(element)); }
-    void end() { m_writer.writeEndElement(); }
-
-    void element(const char *name, const QString &text)
-    {
-        m_writer.writeTextElement(QLatin1String(name), text);
-    }
-
-    void startRectangle(int x, int y, int width, int height)
-    {
-        start("rect");
-        attribute("x", x);
-        attribute("y", y);
-        attribute("width", width);
-        attribute("height", height);
-    }
-
-    void text(int x, int y, const char *styleClass, const QString &text)
-    {
-        start("text");
-        attribute("x", x);
-        attribute("y", y);
-        if (*styleClass)
-            attribute("class", QLatin1String(styleClass));
-        m_writer.writeCharacters(text);
-        end();
-    }
-
     void begin()
     {
-        start("svg");
-        m_writer.writeDefaultNamespace(QStringLiteral("http://www.w3.org/2000/svg"));
-        attribute("width", Width);
-        attribute("height", height());
-        attribute("viewBox",
-            QStringLiteral("0 0 %1 %2").arg(QString::number(Width), QString::number(height())));
-        attribute("class", QStringLiteral("coverage"));
-        attribute("role", QStringLiteral("img"));
-        attribute("aria-labelledby", QStringLiteral("coverage-title coverage-description"));
-        start("title");
-        attribute("id", QStringLiteral("coverage-title"));
-        m_writer.writeCharacters(QLatin1String("Who gets what: ") + screenWord(m_plan));
-        end();
-        start("desc");
-        attribute("id", QStringLiteral("coverage-description"));
-        m_writer.writeCharacters(description());
-        end();
+        startPicture("coverage", QStringLiteral("coverage"), Width, height(),
+            QLatin1String("Who gets what: ") + screenWord(m_plan), description());
         element("style", QString::fromLatin1(Style));
         drawPatterns();
         start("rect");
@@ -242,9 +181,9 @@ private:
 
     void drawHeading()
     {
-        text(Margin, 40, "title",
+        label(Margin, 40, "title",
             fitted(screenWord(m_plan), columnsFor(Width - 2 * Margin, TitleSize)));
-        text(Margin, 64, "muted",
+        label(Margin, 64, "muted",
             QStringLiteral("Which content a viewer gets, by age in years and gender"));
     }
 
@@ -264,14 +203,14 @@ private:
             attribute("x", xOf(age));
             attribute("y", MapTop - 12);
             attribute("text-anchor", QStringLiteral("middle"));
-            m_writer.writeCharacters(QString::number(age));
+            text(QString::number(age));
             end();
         }
     }
 
     void drawRow(const GenderCoverage &row, int top)
     {
-        text(Margin, top + RowHeight / 2 + 5, "heading", genderLabel(row));
+        label(Margin, top + RowHeight / 2 + 5, "heading", genderLabel(row));
         const QVector<Band> bands = row.bands();
         for (const Band &band : bands) {
             start("g");
@@ -304,7 +243,7 @@ private:
     {
         const bool isHole = choice.fit == Choice::Nothing;
         if (!isHole && choice.fit != Choice::Full) { // letters are not read well over a pattern
-            const int width = static_cast<int>(columnsOf(label) * TextSize * LetterWidth) + 8;
+            const int width = widthOf(columnsOf(label), TextSize) + 8;
             startRectangle(centre - width / 2, middle - 11, width, 22);
             attribute("rx", 4);
             attribute("fill", colorOf(choice.number).name());
@@ -318,7 +257,7 @@ private:
             attribute("class", QStringLiteral("lack"));
         else
             attribute("style", QLatin1String("fill: ") + inkOn(colorOf(choice.number)).name());
-        m_writer.writeCharacters(label);
+        text(label);
         end();
     }
 
@@ -353,7 +292,7 @@ private:
         int x = MapLeft;
         const auto add = [&](Choice::Fit fit, const QString &meaning) {
             drawFit(fit, KeyColor, x, top, 28, 18);
-            text(x + 36, top + 13, "muted", meaning);
+            label(x + 36, top + 13, "muted", meaning);
             x += 202;
         };
         add(Choice::Full, QStringLiteral("fits gender and age"));
@@ -376,11 +315,11 @@ private:
             start("text");
             attribute("x", x + 28);
             attribute("y", y + 13);
-            m_writer.writeCharacters(fitted(contentWord(m_plan, number), columns));
+            text(fitted(contentWord(m_plan, number), columns));
             start("tspan");
             attribute("class", QStringLiteral("muted"));
             attribute("dx", 8);
-            m_writer.writeCharacters(audience);
+            text(audience);
             end();
             end();
         }
@@ -397,13 +336,13 @@ private:
     void drawFindings(int top)
     {
         if (m_findings.isEmpty()) {
-            text(Margin, top + 13, "",
+            label(Margin, top + 13, "",
                 QStringLiteral("Everybody gets a content, and every content reaches somebody."));
             return;
         }
-        text(Margin, top + 13, "heading", QStringLiteral("Worth a look"));
+        label(Margin, top + 13, "heading", QStringLiteral("Worth a look"));
         for (int i = 0; i < m_findings.size(); ++i) {
-            text(Margin, top + 13 + (i + 1) * LineHeight, "",
+            label(Margin, top + 13 + (i + 1) * LineHeight, "",
                 fitted(m_findings.at(i), columnsFor(Width - 2 * Margin, TextSize)));
         }
     }
@@ -411,15 +350,25 @@ private:
     const Plan &m_plan;
     const Coverage &m_coverage;
     const QStringList m_findings;
-    QByteArray m_svg;
-    QXmlStreamWriter m_writer;
 };
 
 } // namespace
 
+void writeCoverage(const Plan &plan, const Coverage &coverage, QXmlStreamWriter &writer)
+{
+    Picture(plan, coverage, writer).draw();
+}
+
 QByteArray coverageSvg(const Plan &plan, const Coverage &coverage)
 {
-    return Picture(plan, coverage).draw();
+    QByteArray svg;
+    QXmlStreamWriter writer(&svg);
+    writer.setAutoFormatting(true);
+    writer.setAutoFormattingIndent(1);
+    writer.writeStartDocument();
+    writeCoverage(plan, coverage, writer);
+    writer.writeEndDocument();
+    return svg;
 }
 
 } // namespace Hvcp2
