@@ -271,6 +271,7 @@ void tst_Totals::requestsOfALog()
         determinedAt(0, {5, 3}), frameAt(3600, face(0, "34", "Female")), determinedAt(3600, {5})};
     for (const std::optional<Plan> &each : {std::optional<Plan>(), std::make_optional(plan())}) {
         const Totals totals = totalsOf(entries, each);
+        QCOMPARE(totals.recordedFrames, 0);
         QCOMPARE(totals.determined, 3);
         QCOMPARE(totals.restricted, 1);
         QCOMPARE(countsOf(totals.determinedSequences), QStringLiteral("3:1 5:2"));
@@ -291,6 +292,7 @@ void tst_Totals::requestsOfARecording()
     const QVector<Entry> entries{frameAt(0, woman, Recorded), frameAt(1, woman, Recorded),
         frameAt(9, woman + face(1, "8", "Male"), Recorded)};
     QCOMPARE(totalsOf(entries).determined, 0);
+    QCOMPARE(totalsOf(entries).recordedFrames, 3);
 
     Plan plan = ::plan();
     QCOMPARE(countsOf(totalsOf(entries, plan).determinedSequences), QStringLiteral("1:2 2:1"));

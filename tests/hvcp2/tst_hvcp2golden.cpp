@@ -43,6 +43,8 @@ private slots:
     void pictures();
     void frames_data();
     void frames();
+    void reports_data();
+    void reports();
 
 private:
     static void compare(const QString &actual, const QString &fileName);
@@ -171,6 +173,53 @@ void tst_Hvcp2Golden::frames()
         QVERIFY2(line.size() <= 80, qPrintable(line));
     compare(text, name + QLatin1String(".txt"));
     compare(run(words + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+}
+
+void tst_Hvcp2Golden::reports_data()
+{
+    QTest::addColumn<QString>("frames");
+    QTest::addColumn<QString>("stage"); // empty: none
+    QTest::addColumn<QString>("name"); // of what has to be printed
+
+    QTest::newRow("log") << "visitors.log.txt"
+                         << ""
+                         << "log";
+    QTest::newRow("log with a stage") << "visitors.log.txt"
+                                      << "door.json"
+                                      << "log.door";
+    QTest::newRow("recording") << "visitors.out"
+                               << ""
+                               << "recording";
+    QTest::newRow("recording with a stage") << "visitors.out"
+                                            << "door.json"
+                                            << "recording.door";
+    QTest::newRow("nothing") << "nothing.out"
+                             << ""
+                             << "nothing";
+}
+
+void tst_Hvcp2Golden::reports()
+{
+    QFETCH(QString, frames);
+    QFETCH(QString, stage);
+    QFETCH(QString, name);
+
+    QStringList arguments{QStringLiteral("report"), frames};
+    if (!stage.isEmpty())
+        arguments << QStringLiteral("--stage") << stage;
+    const QString text = run(arguments);
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+    name += QLatin1String(".report");
+    compare(text, name + QLatin1String(".txt"));
+    compare(
+        run(arguments + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+
+    const QTemporaryDir directory;
+    const QString page = directory.filePath(QStringLiteral("page.html"));
+    run(arguments + QStringList{QStringLiteral("-o"), page});
+    compare(readText(page), name + QLatin1String(".html"));
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Golden)

@@ -175,8 +175,9 @@ void TotalsCounter::addFrame(const Entry &entry)
     addSilence(entry);
     ++m_totals.frames;
     ++m_day->frames;
-    const bool isLogged = entry.timeToleranceMs > 0;
-    if (m_decider && !isLogged) {
+    const bool isRecorded = entry.timeToleranceMs == 0;
+    m_totals.recordedFrames += isRecorded ? 1 : 0;
+    if (m_decider && isRecorded) {
         addDecidedFrame(entry);
     } else {
         const SensorFrame frame = SensorOutputParser::parse(entry.text, entry.time);

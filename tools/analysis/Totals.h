@@ -112,6 +112,7 @@ struct Totals
 
     qint64 frames = 0;
     qint64 framesWithFaces = 0;
+    qint64 recordedFrames = 0; ///< those that come from recordings
     qint64 faces = 0; ///< a face counts in each of its frames
     std::array<Audience, HoursOfDay> facesByHour{};
     Audience untimedFaces{}; ///< those of frames without a time

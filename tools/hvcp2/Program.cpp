@@ -6,6 +6,7 @@
 #include "tools/hvcp2/ExplainCommand.h"
 #include "tools/hvcp2/RecordCommand.h"
 #include "tools/hvcp2/ReplayCommand.h"
+#include "tools/hvcp2/ReportCommand.h"
 
 #include <algorithm>
 
@@ -138,8 +139,8 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 
 QVector<Command> allCommands()
 {
-    return {explainCommand(), coverageCommand(), replayCommand(), compareCommand(), recordCommand(),
-        checkCommand()};
+    return {explainCommand(), coverageCommand(), replayCommand(), compareCommand(), reportCommand(),
+        recordCommand(), checkCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)
