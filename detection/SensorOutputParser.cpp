@@ -93,13 +93,18 @@ bool readConfidence(QStringView token, std::optional<int> &confidence)
 
 SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &time)
 {
-    SensorOutputParser parser(time);
+    SensorOutputParser parser(time, true);
     parser.m_frame.html.reserve(chunk.size() * TypicalHtmlGrowth + LeastHtmlSize);
     parser.put(u"<table>");
-    Pieces lines(chunk, u'\n');
-    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
-        parser.parseLine(line);
+    parser.parseLines(chunk);
     parser.put(u"</table>");
+    return std::move(parser.m_frame);
+}
+
+SensorFrame SensorOutputParser::parseUnseen(const QString &chunk, const QDateTime &time)
+{
+    SensorOutputParser parser(time, false);
+    parser.parseLines(chunk);
     return std::move(parser.m_frame);
 }
 
@@ -143,17 +148,29 @@ bool SensorOutputParser::isError(QStringView line)
     return false;
 }
 
-SensorOutputParser::SensorOutputParser(const QDateTime &time)
+SensorOutputParser::SensorOutputParser(const QDateTime &time, bool isSeen)
     : m_time(time)
+    , m_isSeen(isSeen)
 { }
+
+void SensorOutputParser::parseLines(const QString &chunk)
+{
+    Pieces lines(chunk, u'\n');
+    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
+        parseLine(line);
+}
 
 void SensorOutputParser::put(QStringView text)
 {
+    if (!m_isSeen)
+        return;
     m_frame.html.append(text.data(), static_cast<int>(text.size()));
 }
 
 void SensorOutputParser::putNumber(QStringView before, int number, QStringView behind)
 {
+    if (!m_isSeen)
+        return;
     std::array<char, 16> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     put(before);
@@ -182,7 +199,7 @@ void SensorOutputParser::parseLine(QStringView line)
         closesFace = startsWith(trimmed, u"Gender");
     }
     put(u"</tr>");
-    if (contains(trimmed, u'<'))
+    if (m_isSeen && contains(trimmed, u'<'))
         m_frame.markup += m_frame.html.midRef(rowStart);
     if (closesFace)
         closeFace();

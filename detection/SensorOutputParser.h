@@ -34,6 +34,9 @@ public:
     /// @p time becomes the time of the faces.
     static SensorFrame parse(const QString &chunk, const QDateTime &time);
 
+    /// The same for somebody who shows nothing: without html and markup, in half the time.
+    static SensorFrame parseUnseen(const QString &chunk, const QDateTime &time);
+
     /// The lines of @p chunk that parse() makes rows of, trimmed; empty ones are left out.
     static QString plainText(const QString &chunk);
 
@@ -44,8 +47,9 @@ public:
     static bool isError(QStringView line);
 
 private:
-    explicit SensorOutputParser(const QDateTime &time);
+    SensorOutputParser(const QDateTime &time, bool isSeen);
 
+    void parseLines(const QString &chunk);
     void put(QStringView text); // to the table
     void putNumber(QStringView before, int number, QStringView behind);
     void parseLine(QStringView line);
@@ -59,6 +63,7 @@ private:
     void closeFace();
 
     const QDateTime m_time;
+    const bool m_isSeen; // whether there is a table
     FaceResult m_face; // under construction
     SensorFrame m_frame;
 };

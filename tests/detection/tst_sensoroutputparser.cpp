@@ -62,6 +62,17 @@ QString describe(const SensorFrame &frame)
     return faces.join("; "_s);
 }
 
+/// Whether it makes no difference that nobody sees the table of @p chunk.
+bool isSameUnseen(const QString &chunk)
+{
+    const SensorFrame seen = parse(chunk);
+    const SensorFrame unseen = SensorOutputParser::parseUnseen(chunk, chunkTime());
+    return unseen.html.isEmpty() && unseen.markup.isEmpty() && describe(unseen) == describe(seen)
+        && unseen.sizes == seen.sizes && unseen.directionValues == seen.directionValues
+        && unseen.hasRows == seen.hasRows && unseen.errorSeen == seen.errorSeen
+        && unseen.noFace == seen.noFace;
+}
+
 QString table(const QString &rows)
 {
     return "<table>"_s + rows + "</table>"_s;
@@ -186,6 +197,7 @@ void tst_SensorOutputParser::wholeFrames()
         QCOMPARE(frame.errorSeen, errorSeen);
         QCOMPARE(frame.noFace, noFace);
         QCOMPARE(brokenRule(frame), QString());
+        QVERIFY(isSameUnseen(QString::fromUtf8(chunk)));
     }
 }
 
@@ -581,6 +593,7 @@ void tst_SensorOutputParser::faces()
     const SensorFrame frame = parse(chunk);
     QCOMPARE(describe(frame), expected);
     QCOMPARE(brokenRule(frame), QString());
+    QVERIFY(isSameUnseen(chunk));
 }
 
 void tst_SensorOutputParser::flags_data()
@@ -621,6 +634,7 @@ void tst_SensorOutputParser::flags()
     QCOMPARE(frame.noFace, noFace);
     const QStringList lines = SensorOutputParser::plainText(chunk).split(QLatin1Char('\n'));
     QCOMPARE(std::any_of(lines.cbegin(), lines.cend(), &SensorOutputParser::isError), errorSeen);
+    QVERIFY(isSameUnseen(chunk));
 }
 
 void tst_SensorOutputParser::valueTypes()

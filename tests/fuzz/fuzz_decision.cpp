@@ -58,12 +58,6 @@ QString textOf(const QByteArray &chunk)
     return QString::fromUtf8(chunk.constData(), chunk.size()); // keeps NULs
 }
 
-Outcome decide(const QString &chunk, const QDateTime &time, const DetectionContents &contents)
-{
-    const SensorFrame frame = SensorOutputParser::parse(chunk, time);
-    return {frame, determineSequences(frame.faces, frame.sizes, frame.directionValues, contents)};
-}
-
 void compareItem(const FaceResultItem &ours, const FaceResultItem &expected)
 {
     Fuzz::expectSame(ours.kind, expected.kind, "kind of an item");
@@ -92,6 +86,30 @@ void compareFrame(const SensorFrame &ours, const Oracle::PlainFrame &expected)
     Fuzz::expectSame(ours.faces.size(), expected.faces.size(), "number of faces");
     for (int i = 0; i < ours.faces.size(); ++i)
         compareFace(ours.faces.at(i), expected.faces.at(i));
+}
+
+/// Nobody sees the table: everything else has to be the same.
+void compareUnseen(const SensorFrame &unseen, const SensorFrame &seen)
+{
+    Fuzz::expect(unseen.html.isEmpty() && unseen.markup.isEmpty(), "table that nobody sees");
+    Fuzz::expectSame(unseen.sizes, seen.sizes, "sizes, unseen");
+    Fuzz::expectSame(unseen.directionValues, seen.directionValues, "direction values, unseen");
+    Fuzz::expectSame(unseen.errorSeen, seen.errorSeen, "error seen, unseen");
+    Fuzz::expectSame(unseen.noFace, seen.noFace, "no face, unseen");
+    Fuzz::expectSame(unseen.hasRows, seen.hasRows, "has rows, unseen");
+    Fuzz::expectSame(unseen.faces.size(), seen.faces.size(), "number of faces, unseen");
+    for (int i = 0; i < unseen.faces.size(); ++i) {
+        Fuzz::expectSame(unseen.faces.at(i).index, seen.faces.at(i).index, "index, unseen");
+        for (int kind = FaceResultItem::None; kind <= FaceResultItem::Gender + 1; ++kind)
+            compareItem(unseen.faces.at(i).item(kind), seen.faces.at(i).item(kind));
+    }
+}
+
+Outcome decide(const QString &chunk, const QDateTime &time, const DetectionContents &contents)
+{
+    const SensorFrame frame = SensorOutputParser::parse(chunk, time);
+    compareUnseen(SensorOutputParser::parseUnseen(chunk, time), frame);
+    return {frame, determineSequences(frame.faces, frame.sizes, frame.directionValues, contents)};
 }
 
 void compareSequences(const QList<CalculatedData> &ours, const QList<CalculatedData> &expected)

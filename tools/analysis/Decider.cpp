@@ -63,7 +63,7 @@ Decision Decider::decide(const QString &text, const QDateTime &time)
 Decision Decider::decide(
     const QString &text, const Moment &moment, const QVector<LoggedRequest> &logged)
 {
-    const SensorFrame frame = SensorOutputParser::parse(text, moment.earliest);
+    const SensorFrame frame = SensorOutputParser::parseUnseen(text, moment.earliest);
     const Prominence prominence(frame.sizes, frame.directionValues);
 
     Decision decision;

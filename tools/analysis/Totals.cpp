@@ -180,7 +180,7 @@ void TotalsCounter::addFrame(const Entry &entry)
     if (m_decider && isRecorded) {
         addDecidedFrame(entry);
     } else {
-        const SensorFrame frame = SensorOutputParser::parse(entry.text, entry.time);
+        const SensorFrame frame = SensorOutputParser::parseUnseen(entry.text, entry.time);
         for (const FaceResult &face : frame.faces)
             addFace(face, !m_decider || matchContent(face, m_contents).isValid());
         if (frame.errorSeen)
