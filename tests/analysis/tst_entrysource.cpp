@@ -258,10 +258,12 @@ void tst_EntrySource::timesBesideARecording()
 
 void tst_EntrySource::directoryOfRecordings()
 {
-    const QDateTime first(QDate(2018, 2, 1), QTime(9, 30, 0, 250));
-    QCOMPARE(recordingFileName(first), QStringLiteral("HvcCon_20180201_093000_250.out"));
+    const qint64 firstMs = 1517477400250;
+    QCOMPARE(recordingFileName(firstMs), QStringLiteral("HvcCon_20180201_093000_250.out"));
+    QCOMPARE(recordingTime(path(recordingFileName(firstMs))).value_or(0), firstMs);
+    QVERIFY(!recordingTime(QStringLiteral("HvcCon_20180201_093000.out")));
     for (const int hours : {1, 0}) {
-        const QString name = recordingFileName(first.addSecs(hours * 3600));
+        const QString name = recordingFileName(firstMs + hours * 3600000);
         QVERIFY(writeFile(path(name), "Face result count:0\n"));
         QVERIFY(writeFile(timesFileName(path(name)), "0 5\n"));
     }

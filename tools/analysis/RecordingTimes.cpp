@@ -2,7 +2,9 @@
 
 #include "demo/support/UserFile.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 #include <QList>
 
 namespace Analysis {
@@ -14,9 +16,16 @@ const QString NameForm = QStringLiteral("'HvcCon_'yyyyMMdd_HHmmss_zzz'.out'");
 
 } // namespace
 
-QString recordingFileName(const QDateTime &time)
+QString recordingFileName(qint64 timeMs)
 {
-    return time.toString(NameForm);
+    return QDateTime::fromMSecsSinceEpoch(timeMs, Qt::UTC).toString(NameForm);
+}
+
+std::optional<qint64> recordingTime(const QString &fileName)
+{
+    QDateTime time = QDateTime::fromString(QFileInfo(fileName).fileName(), NameForm);
+    time.setTimeSpec(Qt::UTC);
+    return time.isValid() ? std::make_optional(time.toMSecsSinceEpoch()) : std::nullopt;
 }
 
 QStringList recordingsIn(const QString &directory)
@@ -25,7 +34,7 @@ QStringList recordingsIn(const QString &directory)
     QStringList files;
     const QStringList names = folder.entryList(QDir::Files); // not pipes and devices
     for (const QString &name : names) {
-        if (QDateTime::fromString(name, NameForm).isValid())
+        if (recordingTime(name))
             files.append(folder.filePath(name));
     }
     files.sort();

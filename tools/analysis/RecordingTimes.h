@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QFile>
 #include <QString>
 #include <QStringList>
@@ -11,9 +10,11 @@
 
 namespace Analysis {
 
-/// "HvcCon_20180201_093000_250.out", for a recording of the sensor program that began at @p time;
-/// by name they are in order as long as all times are in UTC.
-QString recordingFileName(const QDateTime &time);
+/// "HvcCon_20180201_093000_250.out", for a recording of the sensor program that began at @p timeMs
+/// since 1970 in UTC: by name, recordings are in their order.
+QString recordingFileName(qint64 timeMs);
+/// The inverse; nothing when @p fileName, which may have a path, is no such name.
+std::optional<qint64> recordingTime(const QString &fileName);
 QStringList recordingsIn(const QString &directory); ///< such files, the oldest first; whole paths
 
 /// The file beside a recording that says when each piece of it arrived.

@@ -109,16 +109,14 @@ bool RecordingFiles::append(const QByteArray &bytes, qint64 timeMs)
 
 bool RecordingFiles::beginFile(qint64 timeMs)
 {
-    QStringList files = Analysis::recordingsIn(m_directory);
-    while (files.size() >= m_limits.files) {
-        const QString oldest = files.takeFirst();
-        QFile::remove(oldest);
-        QFile::remove(Analysis::timesFileName(oldest));
+    const QStringList files = Analysis::recordingsIn(m_directory);
+    for (int i = 0; i + m_limits.files <= files.size(); ++i) {
+        QFile::remove(files.at(i));
+        QFile::remove(Analysis::timesFileName(files.at(i)));
     }
-    // Of files that begin at the same time each has a name of its own, behind the one before.
-    m_nameMs = qMax(timeMs, m_nameMs + 1);
-    const QString name
-        = Analysis::recordingFileName(QDateTime::fromMSecsSinceEpoch(m_nameMs, Qt::UTC));
+    // Behind the one before, also when that is of the same moment or the clock was set back.
+    const qint64 lastMs = files.isEmpty() ? -1 : Analysis::recordingTime(files.last()).value_or(-1);
+    const QString name = Analysis::recordingFileName(qMax(timeMs, lastMs + 1));
     return openFiles(QDir(m_directory).filePath(name), QIODevice::WriteOnly | QIODevice::NewOnly);
 }
 

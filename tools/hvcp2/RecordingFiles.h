@@ -53,7 +53,6 @@ private:
     QFile m_times; // likewise
     qint64 m_size = 0; // of m_file
     bool m_isLineStart = true; // behind m_file's last byte
-    qint64 m_nameMs = 0; // of the last new file
     QString m_failure;
 };
 
