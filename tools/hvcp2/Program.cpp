@@ -4,6 +4,7 @@
 #include "tools/hvcp2/CompareCommand.h"
 #include "tools/hvcp2/CoverageCommand.h"
 #include "tools/hvcp2/ExplainCommand.h"
+#include "tools/hvcp2/ExportCommand.h"
 #include "tools/hvcp2/RecordCommand.h"
 #include "tools/hvcp2/ReplayCommand.h"
 #include "tools/hvcp2/ReportCommand.h"
@@ -140,7 +141,7 @@ ExitStatus runCommand(const Command &command, const QStringList &arguments, Cons
 QVector<Command> allCommands()
 {
     return {explainCommand(), coverageCommand(), replayCommand(), compareCommand(), reportCommand(),
-        recordCommand(), checkCommand()};
+        exportCommand(), recordCommand(), checkCommand()};
 }
 
 ExitStatus runProgram(const QStringList &arguments, const QString &version, Console &console)
