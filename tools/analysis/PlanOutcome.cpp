@@ -1,30 +1,10 @@
 #include "tools/analysis/PlanOutcome.h"
 
-#include "tools/analysis/Coverage.h"
-
 #include <algorithm>
-#include <iterator>
 
 namespace Analysis {
 
 using namespace PluginKrHvcP2;
-
-namespace {
-
-int ageBandOf(int age)
-{
-    return age < 0 ? PlanOutcome::UnknownAgeBand
-                   : std::min(age / 10, PlanOutcome::UnknownAgeBand - 1);
-}
-
-/// In CoveredGenders; what is neither female nor male is unknown.
-std::size_t genderPosition(int gender)
-{
-    const auto found = std::find(CoveredGenders.begin(), CoveredGenders.end() - 1, gender);
-    return static_cast<std::size_t>(std::distance(CoveredGenders.begin(), found));
-}
-
-} // namespace
 
 void WatchedTime::add(const QDateTime &frame)
 {
@@ -70,7 +50,7 @@ void PlanOutcome::add(const DecidedFace &face)
     ++m_faces;
     ++m_outcomes.at(face.outcome);
     if (face.outcome == DecidedFace::NothingFits) {
-        addLeftOut(face.evaluation);
+        ++faceCount(m_leftOut, face.evaluation.gender, face.evaluation.age);
         return;
     }
     ContentOutcome &content = m_contents[m_positions.at(face.sequence)];
@@ -98,12 +78,6 @@ void PlanOutcome::addRestricted(ContentOutcome &content)
     ++content.restricted;
     if (content.number == m_lastStarted)
         ++m_alreadyOn;
-}
-
-void PlanOutcome::addLeftOut(const FaceEvaluation &evaluation)
-{
-    auto &bands = m_leftOut.at(genderPosition(evaluation.gender));
-    ++bands.at(static_cast<std::size_t>(ageBandOf(evaluation.age)));
 }
 
 } // namespace Analysis

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/analysis/Audience.h"
 #include "tools/analysis/Decider.h"
 #include "tools/analysis/Plan.h"
 
@@ -57,11 +58,6 @@ struct ContentOutcome
 class PlanOutcome
 {
 public:
-    /// The bands of ages: ten years each, the last one of a hundred and more, and one for an age
-    /// that was not measured.
-    static constexpr int AgeBands = 12;
-    static constexpr int UnknownAgeBand = AgeBands - 1;
-
     explicit PlanOutcome(const Plan &plan);
 
     void add(const Decision &decision);
@@ -77,14 +73,12 @@ public:
     qint64 switches() const { return m_switches; } ///< starts of another content than the last one
     const Spacing &switchSpacing() const { return m_switchSpacing; }
     const QVector<ContentOutcome> &contents() const { return m_contents; } ///< that take part
-    /// Faces that nothing fits, of a position in CoveredGenders.
-    qint64 leftOut(int gender, int ageBand) const { return m_leftOut.at(gender).at(ageBand); }
+    const Audience &leftOut() const { return m_leftOut; } ///< the faces that nothing fits
 
 private:
     void add(const DecidedFace &face);
     void addStart(ContentOutcome &content);
     void addRestricted(ContentOutcome &content);
-    void addLeftOut(const PluginKrHvcP2::FaceEvaluation &evaluation);
 
     qint64 m_frames = 0;
     qint64 m_faces = 0;
@@ -96,7 +90,7 @@ private:
     Spacing m_switchSpacing;
     QVector<ContentOutcome> m_contents;
     QVector<int> m_positions; // in m_contents, by sequence number
-    std::array<std::array<qint64, AgeBands>, 3> m_leftOut{};
+    Audience m_leftOut{};
 };
 
 } // namespace Analysis

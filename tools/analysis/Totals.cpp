@@ -13,9 +13,9 @@ using namespace PluginKrHvcP2;
 
 namespace {
 
-constexpr int YearsPerBand = 10;
 constexpr qint64 MsPerHour = 3600000;
 constexpr qint64 MsPerDay = HoursOfDay * MsPerHour;
+constexpr int UnknownAge = -1;
 constexpr int FirstWeekday = 3; // 1 January 1970 was a Thursday
 
 /// Milliseconds since 1970 as the clock on the wall has them.
@@ -29,17 +29,10 @@ qint64 dayNumberOf(qint64 localMs)
     return localMs >= 0 ? localMs / MsPerDay : (localMs + 1) / MsPerDay - 1;
 }
 
-std::size_t genderPosition(const FaceResult &face)
-{
-    const int gender = face.gender ? face.gender->value : UnknownGender;
-    const auto found = std::find(CoveredGenders.cbegin(), CoveredGenders.cend(), gender);
-    return static_cast<std::size_t>(std::distance(CoveredGenders.cbegin(), found));
-}
-
 void count(const FaceResult &face, Audience &audience)
 {
-    const int band = face.age ? ageBandOf(face.age->value) : UnknownAgeBand;
-    ++audience.at(genderPosition(face)).at(static_cast<std::size_t>(band));
+    ++faceCount(audience, face.gender ? face.gender->value : UnknownGender,
+        face.age ? face.age->value : UnknownAge);
 }
 
 void add(const Audience &from, Audience *to)
@@ -50,38 +43,7 @@ void add(const Audience &from, Audience *to)
     }
 }
 
-template <typename Counts>
-qint64 sumOfCounts(const Counts &counts)
-{
-    return std::accumulate(counts.cbegin(), counts.cend(), qint64{0});
-}
-
 } // namespace
-
-int ageBandOf(int age)
-{
-    return age < 0 ? UnknownAgeBand : std::min(age / YearsPerBand, UnknownAgeBand - 1);
-}
-
-AgeRange agesOfBand(int band)
-{
-    const int from = band * YearsPerBand;
-    const bool isLast = band == UnknownAgeBand - 1;
-    return {from, isLast ? std::numeric_limits<int>::max() : from + YearsPerBand - 1};
-}
-
-qint64 sumOf(const Audience &audience)
-{
-    return std::accumulate(audience.cbegin(), audience.cend(), qint64{0},
-        [](qint64 sum, const auto &bands) { return sum + sumOfCounts(bands); });
-}
-
-qint64 sumOf(const Audience &audience, Gender gender)
-{
-    const auto found = std::find(CoveredGenders.cbegin(), CoveredGenders.cend(), gender);
-    return sumOfCounts(
-        audience.at(static_cast<std::size_t>(std::distance(CoveredGenders.cbegin(), found))));
-}
 
 void Silences::add(const Silence &silence)
 {

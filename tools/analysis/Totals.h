@@ -2,7 +2,7 @@
 
 #include "core/screen/DetectionContent.h"
 #include "detection/FaceResult.h"
-#include "tools/analysis/Coverage.h"
+#include "tools/analysis/Audience.h"
 #include "tools/analysis/Decider.h"
 #include "tools/analysis/Entry.h"
 
@@ -19,19 +19,6 @@ namespace Analysis {
 
 constexpr int HoursOfDay = 24;
 constexpr int DaysOfWeek = 7; ///< Monday is the first
-constexpr int UnknownAgeBand = 8;
-constexpr int AgeBands = UnknownAgeBand + 1;
-
-/// Ten years each, but the last one of those that are known, which has no end.
-int ageBandOf(int age); ///< years; UnknownAgeBand when negative
-AgeRange agesOfBand(int band); ///< but UnknownAgeBand; to the largest int in the last one
-
-/// Faces by gender, as CoveredGenders, and age band.
-using Audience = std::array<std::array<qint64, AgeBands>, CoveredGenders.size()>;
-
-qint64 sumOf(const Audience &audience);
-qint64 sumOf(const Audience &audience, PluginKrHvcP2::Gender gender);
-
 /// How often something happened.
 struct Tally
 {

@@ -2,6 +2,7 @@
 
 #include "tools/analysis/Coverage.h"
 #include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/TotalsReport.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
@@ -45,20 +46,6 @@ QString spacingText(const Spacing &spacing, qint64 ms)
     return spacing.count() == 0 ? QStringLiteral("-") : durationWord(ms);
 }
 
-QString bandWord(int band)
-{
-    if (band == PlanOutcome::UnknownAgeBand)
-        return QStringLiteral("unknown");
-    if (band == PlanOutcome::UnknownAgeBand - 1)
-        return QStringLiteral("100 and more");
-    return agesWord({band * 10, band * 10 + 9});
-}
-
-int genderCount()
-{
-    return static_cast<int>(CoveredGenders.size());
-}
-
 QJsonObject toJson(const Spacing &spacing)
 {
     if (spacing.count() == 0)
@@ -85,14 +72,15 @@ QJsonArray contentsJson(const Plan &plan, const PlanOutcome &outcome)
 QJsonArray leftOutJson(const PlanOutcome &outcome)
 {
     QJsonArray leftOut;
-    for (int gender = 0; gender < genderCount(); ++gender) {
-        for (int band = 0; band < PlanOutcome::AgeBands; ++band) {
-            const qint64 faces = outcome.leftOut(gender, band);
+    for (std::size_t gender = 0; gender < CoveredGenders.size(); ++gender) {
+        for (std::size_t band = 0; band < AgeBands; ++band) {
+            const qint64 faces = outcome.leftOut().at(gender).at(band);
             if (faces == 0)
                 continue;
             leftOut.append(
                 QJsonObject{{QStringLiteral("gender"), genderWord(CoveredGenders.at(gender))},
-                    {QStringLiteral("ages"), bandWord(band)}, {QStringLiteral("faces"), faces}});
+                    {QStringLiteral("ages"), bandKey(static_cast<int>(band))},
+                    {QStringLiteral("faces"), faces}});
         }
     }
     return leftOut;
@@ -233,13 +221,13 @@ QString Comparison::leftOutText(const Paint &paint) const
     for (int column = 1; column < heading.size(); ++column)
         table.alignRight(column);
     bool isEmpty = true;
-    for (int band = 0; band < PlanOutcome::AgeBands; ++band) {
-        QStringList row{bandWord(band)};
+    for (std::size_t band = 0; band < AgeBands; ++band) {
+        QStringList row{bandWord(static_cast<int>(band))};
         qint64 sum = 0;
         for (const Side &side : m_sides) {
-            for (int gender = 0; gender < genderCount(); ++gender) {
-                sum += side.outcome.leftOut(gender, band);
-                row << number(side.outcome.leftOut(gender, band));
+            for (const auto &bands : side.outcome.leftOut()) {
+                sum += bands.at(band);
+                row << number(bands.at(band));
             }
         }
         if (sum == 0)

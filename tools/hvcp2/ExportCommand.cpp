@@ -24,7 +24,7 @@ QCommandLineOption sinceOption()
 QCommandLineOption labelOption()
 {
     return {QStringLiteral("screen"),
-        QStringLiteral("The screen, for the ids (default: the one of the stage)."),
+        QStringLiteral("The screen of the ids (default: of the stage)."),
         QStringLiteral("ID")};
 }
 
