@@ -215,6 +215,7 @@ private slots:
     void otherPlans();
     void otherLimit();
     void startByHand();
+    void requestByHandThatReachedAScreen();
     void logThatBeginsLate();
     void decisionWithoutFrame();
     void decisionThatIsMissing();
@@ -446,6 +447,18 @@ void tst_Replay::startByHand()
     QCOMPARE(textOf(frames.at(1).logged), QStringLiteral("#1 1 "));
     QCOMPARE(int(frames.at(2).difference), int(Difference::None));
     QCOMPARE(textOf(frames.at(2).logged), QStringLiteral("#1 0 "));
+}
+
+/// Screen 2, but not screen 3.
+void tst_Replay::requestByHandThatReachedAScreen()
+{
+    LoggingPlugin plugin(smallPlan());
+    plugin.receive(Man, 30000);
+    QVERIFY(!plugin.request(1, 32000));
+    plugin.receive(Woman, 36000);
+    const QVector<ReplayedFrame> frames = replayed(smallPlan(), plugin.log());
+    compare(frames, plugin.requests());
+    QCOMPARE(textOf(frames.at(1).logged), QStringLiteral("#1 1 "));
 }
 
 void tst_Replay::logThatBeginsLate()

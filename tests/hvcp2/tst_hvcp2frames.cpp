@@ -1,4 +1,5 @@
 #include "tests/support/Files.h"
+#include "tests/support/TimeZone.h"
 #include "tools/hvcp2/FrameChoice.h"
 #include "tools/hvcp2/Program.h"
 
@@ -75,6 +76,7 @@ private slots:
 private:
     static void compare(const QString &actual, const QString &fileName);
 
+    const TimeZone m_zone{"UTC"}; // of the logs
     QString m_directory;
 };
 

@@ -5,7 +5,6 @@
 
 namespace Analysis {
 
-using PluginKrHvcP2::ScreenSettings;
 using Answer = RequestMemory::Answer;
 
 namespace {

@@ -48,7 +48,7 @@ bool isSameSecond(const QDateTime &a, const QDateTime &b)
 
 std::optional<GivenTime> givenTime(const QString &text)
 {
-    if (const std::optional<GivenTime> given = givenTimeOfDay(text))
+    if (std::optional<GivenTime> given = givenTimeOfDay(text))
         return given;
     static const QRegularExpression form(
         QStringLiteral("^(\\d{4}-\\d\\d-\\d\\d)[ T](\\d\\d:\\d\\d(:\\d\\d(\\.\\d{1,3})?)?)"
