@@ -126,6 +126,9 @@ void tst_Hvcp2Frames::outputs_data()
     add("log.differs.explain.json.txt",
         "explain KrHvcP2Log_20180201.txt --stage window.json --frame 3 --settings concurrent=2"
         " --json");
+    add("log.explainable.explain.txt",
+        "explain KrHvcP2Log_20180201.txt --stage window.json --frame 6 --settings"
+        " event-sending-limit=4000");
     add("hall.replay.txt", "replay hall.txt --stage door.json");
     add("hall.replay.json.txt", "replay hall.txt --stage door.json --json");
     add("hall.replay.csv.txt", "replay hall.txt --stage door.json --csv");

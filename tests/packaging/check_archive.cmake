@@ -44,6 +44,7 @@ foreach(
           demo/${plugin}
           demo/HvcCon.exe
           demo/stages/shop-window.json
+          demo/recordings/afternoon.txt
           demo/scenarios/everyday.json
           devel/include/KrHvcP2/host/KrPluginCommonInterface.h
           devel/include/KrHvcP2/host/KrPluginExtScreenInterface.h

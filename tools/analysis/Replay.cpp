@@ -149,6 +149,7 @@ void Replay::judge(ReplayedFrame *frame, const Moment &moment)
     }
 
     const bool isSame = requested == numbersOf(frame->logged);
+    const bool isEqual = expectedRequests(*frame) == frame->logged;
     if (!isSame)
         frame->difference = Difference::Determined;
     for (int i = 0; i < frame->logged.size(); ++i) {
@@ -161,6 +162,8 @@ void Replay::judge(ReplayedFrame *frame, const Moment &moment)
         }
         m_loggedStarts.settle(request.number, moment, limit, logged);
     }
+    if (frame->difference == Difference::None && !isEqual)
+        frame->difference = Difference::Explainable;
 }
 
 void Replay::takeRestricted(const Entry &restricted)

@@ -12,6 +12,7 @@ enum class Difference {
     None,
     Determined, ///< other sequences were requested, or in another order
     Restriction, ///< the same ones were, but of one another thing came
+    Explainable, ///< likewise, but other starts before or whole seconds can be the reason
 };
 
 /// One frame, what a plan makes of it, and what a log tells about that.

@@ -1,6 +1,5 @@
 #include "tools/analysis/RequestMemory.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace Analysis {
@@ -58,6 +57,10 @@ void RequestMemory::settleRestricted(
             reached.append(screen);
         else if (m_earliest.remainingMs({screen}, moment.latest, limitMs) == 0)
             unknown.append(screen);
+    }
+    if (reached.size() == identifiers.size()) { // a start that is not known did
+        m_latest.admit(identifiers, moment.latest, Anyway);
+        return;
     }
     m_earliest.admit(reached, moment.earliest, Anyway);
     m_latest.admit(reached, moment.latest, Anyway);

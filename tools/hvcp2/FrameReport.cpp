@@ -497,6 +497,8 @@ QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &pain
             += paint.warning(QLatin1String("The log says otherwise: ") + requestsWord(frame.logged))
             + QLatin1Char('\n');
     }
+    if (frame.difference == Difference::Explainable)
+        text += QLatin1String("Other starts before or whole seconds can be the reason.\n");
     const QString sent = wrapped(sentText(plan, frame.decision), 0);
     return text + paint.good(sent.trimmed()) + QLatin1Char('\n') + neighboursText(choice);
 }

@@ -132,6 +132,7 @@ QJsonValue logJson(const Plan &plan, const ReplayEnd &end)
     return QJsonObject{{QStringLiteral("frames"), summary.loggedFrames()},
         {QStringLiteral("requests"), summary.loggedRequests()},
         {QStringLiteral("agrees"), !differs}, {QStringLiteral("differing"), summary.differing()},
+        {QStringLiteral("explainable"), summary.explainable()},
         {QStringLiteral("differences"), differences},
         {QStringLiteral("explanations"),
             differs ? QJsonArray::fromStringList(explanations(plan, end)) : QJsonArray()},
@@ -196,8 +197,8 @@ void ReplayText::end(const ReplayEnd &end)
     }
     if (summary.unsure() > 0) {
         console().out << wrapped(
-            QStringLiteral("What came of %1 cannot be told from whole seconds; the likelier is"
-                           " shown.")
+            QStringLiteral("What came of %1 cannot be told: the times are whole seconds, or go"
+                           " back. The likelier is shown.")
                 .arg(countText(summary.unsure(), "request", "requests")),
             0);
     }
@@ -230,6 +231,13 @@ QString ReplayText::sequencesText(const ReplaySummary &summary)
 void ReplayText::printLog(const ReplayEnd &end)
 {
     const ReplaySummary &summary = end.summary;
+    if (summary.explainable() > 0) {
+        console().out << wrapped(
+            QStringLiteral("In the log %1 came out otherwise, of which other starts before or whole"
+                           " seconds can be the reason.")
+                .arg(countText(summary.explainable(), "frame", "frames")),
+            0);
+    }
     if (summary.differing() == 0) {
         console().out << console().paint.good(
             QStringLiteral("The log says the same: %1 for %2.")

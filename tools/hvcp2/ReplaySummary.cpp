@@ -55,7 +55,9 @@ void ReplaySummary::compare(const ReplayedFrame &frame)
         if (!m_known.contains(request.number) && m_strangers.size() < NamedStrangers)
             m_strangers.insert(request.number);
     }
-    if (frame.difference == Difference::None)
+    if (frame.difference == Difference::Explainable)
+        ++m_explainable;
+    if (frame.difference == Difference::None || frame.difference == Difference::Explainable)
         return;
     ++m_differing;
     if (m_differences.size() == NamedDifferences)

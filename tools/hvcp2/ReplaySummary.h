@@ -53,6 +53,7 @@ public:
     qint64 loggedFrames() const { return m_loggedFrames; } ///< that a log tells about
     qint64 loggedRequests() const { return m_loggedRequests; }
     qint64 differing() const { return m_differing; } ///< of the logged frames
+    qint64 explainable() const { return m_explainable; } ///< besides: Difference::Explainable
     const QVector<DifferentFrame> &differences() const { return m_differences; } ///< the first ones
     int mostAtOnce() const { return m_mostAtOnce; } ///< requests for one frame, in the log
     /// Sequences of the log that are no content of the plan, by number; the first ones.
@@ -74,6 +75,7 @@ private:
     qint64 m_loggedFrames = 0;
     qint64 m_loggedRequests = 0;
     qint64 m_differing = 0;
+    qint64 m_explainable = 0;
     QVector<DifferentFrame> m_differences;
     int m_mostAtOnce = 0;
     QSet<int> m_strangers;
