@@ -20,6 +20,7 @@ namespace {
 
 constexpr int IntervalMs = 500;
 constexpr int FramesOfAnHour = 7200;
+constexpr int SomeFrames = 1500;
 
 const QDateTime Begin(QDate(2018, 2, 1), QTime(9, 30));
 
@@ -208,8 +209,8 @@ class tst_Replay : public QObject
     Q_OBJECT
 
 private slots:
-    void anHour_data();
-    void anHour();
+    void stories_data();
+    void stories();
     void damagedRecords_data();
     void damagedRecords();
     void translatedTexts();
@@ -242,35 +243,36 @@ void tst_Replay::compare(const QVector<ReplayedFrame> &actual, const Requests &e
     }
 }
 
-void tst_Replay::anHour_data()
+void tst_Replay::stories_data()
 {
     QTest::addColumn<QString>("scenario");
     QTest::addColumn<QString>("stage");
     QTest::addColumn<int>("concurrent");
     QTest::addColumn<int>("limitMs");
+    QTest::addColumn<int>("frames");
 
-    QTest::newRow("one at once") << "busy-shop"
-                                 << "shop-window" << 1 << 3000;
-    QTest::newRow("several at once") << "busy-shop"
-                                     << "station-concourse" << 3 << 5000;
-    QTest::newRow("long restriction") << "everyday"
-                                      << "shop-window" << 2 << 60000;
-    QTest::newRow("short restriction") << "everyday"
-                                       << "station-concourse" << 2 << 1000;
-    QTest::newRow("shorter than a second") << "busy-shop"
-                                           << "shop-window" << 3 << 300;
-    QTest::newRow("no restriction") << "calm-shop"
-                                    << "station-concourse" << 2 << 0;
+    const auto add = [](const char *name, const char *scenario, const char *stage, int concurrent,
+                         int limitMs, int frames) {
+        QTest::newRow(name) << QString::fromLatin1(scenario) << QString::fromLatin1(stage)
+                            << concurrent << limitMs << frames;
+    };
+    add("an hour, one at once", "busy-shop", "shop-window", 1, 3000, FramesOfAnHour);
+    add("an hour, several at once", "busy-shop", "station-concourse", 3, 5000, FramesOfAnHour);
+    add("long restriction", "everyday", "shop-window", 2, 60000, SomeFrames);
+    add("short restriction", "everyday", "station-concourse", 2, 1000, SomeFrames);
+    add("shorter than a second", "busy-shop", "shop-window", 3, 300, SomeFrames);
+    add("no restriction", "calm-shop", "station-concourse", 2, 0, SomeFrames);
 }
 
-/// An hour of one story, with ends of the sensor program and of the plug-in: what the plug-in has
+/// A story, with ends of the sensor program and of the plug-in: what the plug-in has
 /// logged is what a replay of its log makes of the frames.
-void tst_Replay::anHour()
+void tst_Replay::stories()
 {
     QFETCH(QString, scenario);
     QFETCH(QString, stage);
     QFETCH(int, concurrent);
     QFETCH(int, limitMs);
+    QFETCH(int, frames);
 
     QString error;
     std::optional<Plan> plan
@@ -289,7 +291,7 @@ void tst_Replay::anHour()
     LoggingPlugin plugin(*plan);
     plugin.startAgain(0);
     qint64 now = 0;
-    for (int i = 0; i < FramesOfAnHour; ++i) {
+    for (int i = 0; i < frames; ++i) {
         now += IntervalMs - 30 + below(60);
         if (below(600) == 0)
             plugin.startAgain(now);
@@ -298,12 +300,12 @@ void tst_Replay::anHour()
         const Simulation::FramePlan frame = Simulation::planFrame(*story, i, IntervalMs);
         plugin.receive(QString::fromUtf8(frame.output()), now, below(40));
     }
-    const QVector<ReplayedFrame> frames = replayed(*plan, plugin.log());
-    compare(frames, plugin.requests());
-    QCOMPARE(countEvidence(frames, DecidedFace::Likelihood), 0);
-    const int byTimes = countEvidence(frames, DecidedFace::Times);
+    const QVector<ReplayedFrame> decided = replayed(*plan, plugin.log());
+    compare(decided, plugin.requests());
+    QCOMPARE(countEvidence(decided, DecidedFace::Likelihood), 0);
+    const int byTimes = countEvidence(decided, DecidedFace::Times);
     if (limitMs == 0 || limitMs >= 3000)
-        QVERIFY(countEvidence(frames, DecidedFace::Log) < byTimes / 2 + 1);
+        QVERIFY(countEvidence(decided, DecidedFace::Log) < byTimes / 2 + 1);
 }
 
 void tst_Replay::damagedRecords_data()

@@ -223,6 +223,7 @@ void tst_Hvcp2Frames::chosenFrames_data()
     add(log, "--at 09:30:25", "hvcp2 explain: no frame is of 09:30:25 or later");
     add(log, "--frame 12", "Frame 12, 2018-02-01 09:30:24");
     add(log, "--frame 13", "hvcp2 explain: there are only 12 frames");
+    add(log, "KrHvcP2Log_20180202.txt --at 09:29", "Frame 13, 2018-02-02 09:30:01");
     add(hall, "--frame 5", "Frame 5, 1970-01-01 00:00:03.700 UTC, hall.txt:44");
     add(hall, "--at 1970-01-01T00:00:03.201", "Frame 5, 1970-01-01 00:00:03.700 UTC");
     add(hall, "log --frame 20", "hvcp2 explain: log: no such file");
