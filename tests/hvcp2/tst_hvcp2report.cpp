@@ -424,6 +424,11 @@ void tst_Hvcp2Report::structure()
     for (const QString &reference : page.references)
         QVERIFY2(page.ids.contains(reference), qPrintable(reference));
     QCOMPARE(page.elements.count(QStringLiteral("h1")), 1);
+    for (int i = 0; i < page.elements.size(); ++i) {
+        if (page.elements.at(i) == QLatin1String("svg"))
+            QCOMPARE(page.elements.mid(i + 1, 2),
+                QStringList({QStringLiteral("title"), QStringLiteral("desc")}));
+    }
     QCOMPARE(page.elements.count(QStringLiteral("caption")), page.tables.size());
     QCOMPARE(page.headings.size(), page.tables.size());
     for (auto table = page.tables.cbegin(); table != page.tables.cend(); ++table) {
