@@ -71,6 +71,7 @@ svg.chart { display: block; width: 100%; height: auto; min-width: 29rem; max-wid
 .scroll { overflow-x: auto; margin-bottom: .8rem; }
 .scroll svg.coverage { min-width: 44rem; max-width: 100%; height: auto; display: block; }
 .scroll:focus-visible, a:focus-visible { outline: 2px solid var(--accent); outline-offset: 2px; }
+.scroll .coverage .page { fill: none; }
 table { border-collapse: collapse; width: 100%; font-size: .9rem; font-variant-numeric: tabular-nums; }
 caption { text-align: left; padding-bottom: .3rem; white-space: normal; }
 th, td { text-align: left; padding: .18rem .55rem; border-bottom: 1px solid var(--line); vertical-align: top; white-space: nowrap; }
@@ -94,7 +95,7 @@ footer { font-size: .85rem; padding-bottom: 2rem; overflow-wrap: anywhere; }
  .figures { grid-template-columns: repeat(4, 1fr); }
  .pair { grid-template-columns: 2fr 3fr; gap: 1rem; break-inside: avoid; }
  svg.chart { min-width: 0; max-width: none; overflow: visible; }
- .chart text { font-size: 14px; }
+ .chart text { font-size: 13px; }
  .scroll { overflow: visible; }
  .scroll svg.coverage { min-width: 0; width: 100%; }
  table, .dense { font-size: 7.5pt; }
@@ -690,8 +691,6 @@ private:
     void writeProcess()
     {
         startSection("process");
-        m_markup.start("div");
-        m_markup.attribute("class", "pair");
         write(Table{QStringLiteral("table-process"), QStringLiteral("The sensor program"),
             {QStringLiteral("What"), QStringLiteral("Times")}, 1,
             {{QStringLiteral("Started"), number(m_totals.starts)},
@@ -721,7 +720,6 @@ private:
                 durationWord(silence.ms())});
         }
         write(table);
-        m_markup.end();
         endSection();
     }
 

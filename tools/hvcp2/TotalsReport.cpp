@@ -27,7 +27,7 @@ QString twoDigits(int number)
 
 QJsonValue jsonOf(qint64 number)
 {
-    return QJsonValue(static_cast<double>(number));
+    return {static_cast<double>(number)};
 }
 
 QJsonValue jsonOf(const QDateTime &time)
