@@ -1,3 +1,4 @@
+#include "tests/hvcp2/GoldenOutput.h"
 #include "tests/support/Files.h"
 #include "tests/support/TimeZone.h"
 #include "tools/hvcp2/FrameChoice.h"
@@ -14,20 +15,6 @@ using namespace Hvcp2;
 using namespace KrTest;
 
 namespace {
-
-/// What a command prints, and behind it what a user does not see on the screen.
-QString run(const QStringList &arguments)
-{
-    QString output;
-    QString error;
-    QTextStream out(&output);
-    QTextStream errors(&error);
-    Console console{out, errors, Paint()};
-    const ExitStatus status = runProgram(arguments, QStringLiteral("1.2.3"), console);
-    out.flush();
-    errors.flush();
-    return output + error + QStringLiteral("[status %1]\n").arg(status);
-}
 
 /// A command of a document, after "$ hvcp2 ", and what it prints.
 struct Example
@@ -74,8 +61,6 @@ private slots:
     void documentsOfReplay();
 
 private:
-    static void compare(const QString &actual, const QString &fileName);
-
     const TimeZone m_zone{"UTC"}; // of the logs
     QString m_directory;
 };
@@ -86,16 +71,6 @@ void tst_Hvcp2Frames::initTestCase()
     QVERIFY(!m_directory.isEmpty());
     // So that outputs name the files without a folder.
     QVERIFY(QDir::setCurrent(m_directory));
-}
-
-void tst_Hvcp2Frames::compare(const QString &actual, const QString &fileName)
-{
-    if (actual != readText(fileName) && qEnvironmentVariableIsSet("KRHVC_RENEW_GOLDEN")) {
-        QVERIFY(writeFile(fileName, actual.toUtf8()));
-        QSKIP("The expected output was renewed.");
-    }
-    QVERIFY2(QFileInfo::exists(fileName), qPrintable(fileName));
-    QCOMPARE(actual.split(QLatin1Char('\n')), readText(fileName).split(QLatin1Char('\n')));
 }
 
 void tst_Hvcp2Frames::outputs_data()
@@ -154,7 +129,8 @@ void tst_Hvcp2Frames::outputs()
 {
     QFETCH(QString, arguments);
 
-    compare(run(arguments.split(QLatin1Char(' '))), QString::fromLatin1(QTest::currentDataTag()));
+    compareWithGolden(
+        outputOf(arguments.split(QLatin1Char(' '))), QString::fromLatin1(QTest::currentDataTag()));
 }
 
 void tst_Hvcp2Frames::givenTimes_data()
@@ -237,7 +213,7 @@ void tst_Hvcp2Frames::chosenFrames()
     const QStringList arguments{
         QStringLiteral("explain"), QStringLiteral("--stage"), QStringLiteral("window.json")};
     const QStringList lines
-        = run(arguments + options.split(QLatin1Char(' '))).split(QLatin1Char('\n'));
+        = outputOf(arguments + options.split(QLatin1Char(' '))).split(QLatin1Char('\n'));
     const QString line = lines.at(lines.constFirst().startsWith(QLatin1String("hvcp2 ")) ? 0 : 1);
     QCOMPARE(line.left(expected.size()), expected);
 }
@@ -248,10 +224,10 @@ void tst_Hvcp2Frames::fullScreen()
     const QString stage
         = QFileInfo(m_directory + QStringLiteral("/../../../demo/player/stages/shop-window.json"))
               .absoluteFilePath();
-    const QStringList lines
-        = run({QStringLiteral("explain"), QStringLiteral("hall.txt"), QStringLiteral("--stage"),
-                  stage, QStringLiteral("--frame"), QStringLiteral("4")})
-              .split(QLatin1Char('\n'));
+    const QStringList lines = outputOf(
+        {QStringLiteral("explain"), QStringLiteral("hall.txt"), QStringLiteral("--stage"), stage,
+            QStringLiteral("--frame"), QStringLiteral("4")})
+                                  .split(QLatin1Char('\n'));
     QVERIFY(lines.size() <= 50);
     QCOMPARE(lines.at(3).count(QStringLiteral("face ")), 5);
     for (const QString &line : lines)
@@ -265,7 +241,7 @@ void tst_Hvcp2Frames::documentedExamples()
     QVERIFY(!examples.isEmpty());
     QVERIFY(QDir::setCurrent(root + QStringLiteral("demo/player")));
     for (const Example &example : examples) {
-        QString output = run(example.arguments);
+        QString output = outputOf(example.arguments);
         output.truncate(output.lastIndexOf(QLatin1String("[status")));
         QCOMPARE(output.split(QLatin1Char('\n')), example.output.split(QLatin1Char('\n')));
     }

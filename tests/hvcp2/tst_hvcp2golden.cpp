@@ -1,3 +1,4 @@
+#include "tests/hvcp2/GoldenOutput.h"
 #include "tests/support/Files.h"
 #include "tools/hvcp2/Program.h"
 
@@ -9,24 +10,6 @@
 
 using namespace Hvcp2;
 using namespace KrTest;
-
-namespace {
-
-/// What a command prints, and behind it what a user does not see on the screen.
-QString run(const QStringList &arguments)
-{
-    QString output;
-    QString error;
-    QTextStream out(&output);
-    QTextStream errors(&error);
-    Console console{out, errors, Paint()};
-    const ExitStatus status = runProgram(arguments, QStringLiteral("1.2.3"), console);
-    out.flush();
-    errors.flush();
-    return output + error + QStringLiteral("[status %1]\n").arg(status);
-}
-
-} // namespace
 
 /// Each command for each stage of golden/, with what it has to print beside it.
 class tst_Hvcp2Golden : public QObject
@@ -45,9 +28,6 @@ private slots:
     void frames();
     void reports_data();
     void reports();
-
-private:
-    static void compare(const QString &actual, const QString &fileName);
 };
 
 void tst_Hvcp2Golden::initTestCase()
@@ -56,16 +36,6 @@ void tst_Hvcp2Golden::initTestCase()
     QVERIFY(!directory.isEmpty());
     // So that outputs name the stages without a folder.
     QVERIFY(QDir::setCurrent(directory));
-}
-
-void tst_Hvcp2Golden::compare(const QString &actual, const QString &fileName)
-{
-    if (actual != readText(fileName) && qEnvironmentVariableIsSet("KRHVC_RENEW_GOLDEN")) {
-        QVERIFY(writeFile(fileName, actual.toUtf8()));
-        QSKIP("The expected output was renewed.");
-    }
-    QVERIFY2(QFileInfo::exists(fileName), qPrintable(fileName));
-    QCOMPARE(actual.split(QLatin1Char('\n')), readText(fileName).split(QLatin1Char('\n')));
 }
 
 void tst_Hvcp2Golden::help_data()
@@ -85,11 +55,11 @@ void tst_Hvcp2Golden::help()
     QStringList arguments{QStringLiteral("--help")};
     if (!command.isEmpty())
         arguments.prepend(command);
-    const QString text = run(arguments);
+    const QString text = outputOf(arguments);
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         QVERIFY2(line.size() <= 80, qPrintable(line));
-    compare(text,
+    compareWithGolden(text,
         QStringLiteral("help%1.txt")
             .arg(command.isEmpty() ? QString() : QLatin1Char('.') + command));
 }
@@ -112,14 +82,14 @@ void tst_Hvcp2Golden::stages()
     QFETCH(QString, command);
 
     const QStringList arguments{command, QStringLiteral("--stage"), stage + QLatin1String(".json")};
-    const QString text = run(arguments);
+    const QString text = outputOf(arguments);
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         QVERIFY2(line.size() <= 80, qPrintable(line));
     const QString name = stage + QLatin1Char('.') + command;
-    compare(text, name + QLatin1String(".txt"));
-    compare(
-        run(arguments + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+    compareWithGolden(text, name + QLatin1String(".txt"));
+    compareWithGolden(outputOf(arguments + QStringList(QStringLiteral("--json"))),
+        name + QLatin1String(".json.txt"));
 }
 
 void tst_Hvcp2Golden::pictures_data()
@@ -138,13 +108,13 @@ void tst_Hvcp2Golden::pictures()
     const QString file = directory.filePath(QStringLiteral("picture.svg"));
     const QStringList arguments{
         QStringLiteral("coverage"), QStringLiteral("--stage"), stage + QLatin1String(".json")};
-    QCOMPARE(run(arguments + QStringList{QStringLiteral("-o"), file}), run(arguments));
+    QCOMPARE(outputOf(arguments + QStringList{QStringLiteral("-o"), file}), outputOf(arguments));
     const QString picture = readText(file);
     QXmlStreamReader reader(picture);
     while (!reader.atEnd())
         reader.readNext();
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
-    compare(picture, stage + QLatin1String(".coverage.svg"));
+    compareWithGolden(picture, stage + QLatin1String(".coverage.svg"));
 }
 
 void tst_Hvcp2Golden::frames_data()
@@ -167,12 +137,13 @@ void tst_Hvcp2Golden::frames()
     QFETCH(QString, arguments);
 
     const QStringList words = arguments.split(QLatin1Char(' '));
-    const QString text = run(words);
+    const QString text = outputOf(words);
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         QVERIFY2(line.size() <= 80, qPrintable(line));
-    compare(text, name + QLatin1String(".txt"));
-    compare(run(words + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+    compareWithGolden(text, name + QLatin1String(".txt"));
+    compareWithGolden(
+        outputOf(words + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
 }
 
 void tst_Hvcp2Golden::reports_data()
@@ -207,19 +178,19 @@ void tst_Hvcp2Golden::reports()
     QStringList arguments{QStringLiteral("report"), frames};
     if (!stage.isEmpty())
         arguments << QStringLiteral("--stage") << stage;
-    const QString text = run(arguments);
+    const QString text = outputOf(arguments);
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         QVERIFY2(line.size() <= 80, qPrintable(line));
     name += QLatin1String(".report");
-    compare(text, name + QLatin1String(".txt"));
-    compare(
-        run(arguments + QStringList(QStringLiteral("--json"))), name + QLatin1String(".json.txt"));
+    compareWithGolden(text, name + QLatin1String(".txt"));
+    compareWithGolden(outputOf(arguments + QStringList(QStringLiteral("--json"))),
+        name + QLatin1String(".json.txt"));
 
     const QTemporaryDir directory;
     const QString page = directory.filePath(QStringLiteral("page.html"));
-    run(arguments + QStringList{QStringLiteral("-o"), page});
-    compare(readText(page), name + QLatin1String(".html"));
+    outputOf(arguments + QStringList{QStringLiteral("-o"), page});
+    compareWithGolden(readText(page), name + QLatin1String(".html"));
 }
 
 QTEST_GUILESS_MAIN(tst_Hvcp2Golden)

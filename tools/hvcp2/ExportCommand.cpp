@@ -24,8 +24,7 @@ QCommandLineOption sinceOption()
 QCommandLineOption labelOption()
 {
     return {QStringLiteral("screen"),
-        QStringLiteral("The screen of the ids (default: of the stage)."),
-        QStringLiteral("ID")};
+        QStringLiteral("The screen of the ids (default: of the stage)."), QStringLiteral("ID")};
 }
 
 /// Sets @p screen to the one that is given, if any. False when it is no number.
