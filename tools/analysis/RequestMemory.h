@@ -35,8 +35,8 @@ public:
     /// It has come to @p answer.
     void settle(int number, const Moment &moment, int limitMs, Answer answer);
 
-    void mayBeLost(); ///< the plug-in may be another one that remembers nothing, or its clock was
-                      ///< set
+    /// The plug-in may be another one that remembers nothing, or its clock was set.
+    void mayBeLost();
     void mayHaveStarted(const QDateTime &latest); ///< any sequences, up to then
 
 private:
