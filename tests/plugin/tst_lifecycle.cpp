@@ -12,7 +12,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
+#include <limits>
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -653,18 +655,26 @@ void tst_Lifecycle::floodOfOutput()
     Item *panel = plugin->graphicsItem();
     const int atRest = panel->childItems().size() + 1; // with one message
     plugin->init();
-    const qint64 before = residentMemory();
-    plugin->start();
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 1, Patience);
-    QTest::qWait(300);
 
-    // It can be stopped by hand, and leaves nothing behind.
-    QVERIFY(click(panel, QStringLiteral("stop")));
-    QCOMPARE(plugin->status(), 100);
-    QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
-    QTRY_COMPARE_WITH_TIMEOUT(panel->childItems().size(), atRest, Patience);
-    const qint64 growth = residentMemory() - before;
-    QVERIFY2(growth < 32 * MebiByte, QByteArray::number(growth).constData());
+    // How much comes at once is the machine's matter, and what was freed may stay resident: only
+    // what is left behind makes the process larger each time.
+    qint64 before = residentMemory();
+    qint64 leastGrowth = std::numeric_limits<qint64>::max();
+    for (int i = 0; i < 4; ++i) {
+        plugin->start();
+        QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 1, Patience);
+        QTest::qWait(300);
+
+        // It can be stopped by hand, and leaves nothing behind.
+        QVERIFY(click(panel, QStringLiteral("stop")));
+        QCOMPARE(plugin->status(), 100);
+        QTRY_COMPARE_WITH_TIMEOUT(sensorProcessCount(), 0, Patience);
+        QTRY_COMPARE_WITH_TIMEOUT(panel->childItems().size(), atRest, Patience);
+        const qint64 after = residentMemory();
+        leastGrowth = std::min(leastGrowth, after - before);
+        before = after;
+    }
+    QVERIFY2(leastGrowth < 8 * MebiByte, QByteArray::number(leastGrowth).constData());
 }
 
 void tst_Lifecycle::longLineOfOutput()
