@@ -47,7 +47,7 @@ bool BoundProcess::begin(const QString &program, const QStringList &arguments)
 QByteArray BoundProcess::readOutput()
 {
     while (bytesAvailable() == 0 && waitForReadyRead(-1)) { }
-    const QByteArray bytes = readAllStandardOutput();
+    QByteArray bytes = readAllStandardOutput();
     if (bytes.isEmpty())
         waitForFinished(-1); // it may have closed its output only
     return bytes;

@@ -88,10 +88,10 @@ QJsonArray leftOutJson(const PlanOutcome &outcome)
 
 } // namespace
 
-Comparison::Side::Side(const Plan &side)
-    : plan(side)
-    , decider(side)
-    , outcome(side)
+Comparison::Side::Side(const Plan &given)
+    : plan(given)
+    , decider(given)
+    , outcome(given)
 { }
 
 Comparison::Comparison(const Plan &first, const Plan &second)

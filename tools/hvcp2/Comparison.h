@@ -26,7 +26,7 @@ public:
 private:
     struct Side
     {
-        explicit Side(const Analysis::Plan &plan);
+        explicit Side(const Analysis::Plan &given);
 
         Analysis::Plan plan;
         Analysis::Decider decider;

@@ -32,7 +32,7 @@ namespace {
 const QString PluginName = QStringLiteral("KrHvcP2"); // of its log folder, too
 const QString LogBaseName = QStringLiteral("KrHvcP2Log");
 const QString InterfaceId = QStringLiteral("com.velmora.kora.plugin.ExtScreenInterface/1.0");
-constexpr qint64 MaxProgramBytes = 64 * 1024 * 1024; // that are looked at
+constexpr qint64 MaxProgramBytes = Q_INT64_C(64) * 1024 * 1024; // that are looked at
 
 #ifdef Q_OS_WIN
 const QString PluginFileName = QStringLiteral("KrHvcP2.dll");

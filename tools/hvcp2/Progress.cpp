@@ -9,13 +9,14 @@ namespace {
 constexpr int PeriodMs = 100;
 constexpr int BarColumns = 40;
 constexpr int LineColumns = 60; // more than any text has
+constexpr qint64 Mebibyte = Q_INT64_C(1024) * 1024; // bytes
 
 } // namespace
 
 QString progressText(qint64 done, qint64 total)
 {
     if (total <= 0)
-        return QStringLiteral("%1 MiB read").arg(done / (1024 * 1024));
+        return QStringLiteral("%1 MiB read").arg(done / Mebibyte);
     const double share = qBound(0.0, static_cast<double>(done) / static_cast<double>(total), 1.0);
     const int columns = static_cast<int>(share * BarColumns);
     return QStringLiteral("[%1%2] %3 %")

@@ -21,11 +21,12 @@ class RecordingFiles
 public:
     struct Limits
     {
-        qint64 fileBytes = 64 * 1024 * 1024; ///< the next frame begins a new file
+        qint64 fileBytes = Q_INT64_C(64) * 1024 * 1024; ///< the next frame begins a new file
         int files = 8;
     };
 
-    static constexpr qint64 MaxFrameBytes = 1024 * 1024; ///< of one that goes on into a new file
+    static constexpr qint64 MaxFrameBytes
+        = Q_INT64_C(1024) * 1024; ///< of one that goes on into a new file
 
     RecordingFiles(const QString &directory, const Limits &limits);
 
