@@ -76,7 +76,7 @@ void RequestMemory::mayBeLost()
 
 void RequestMemory::mayHaveStarted(const QDateTime &latest)
 {
-    for (const DetectionContent &content : m_contents)
+    for (const DetectionContent &content : qAsConst(m_contents))
         m_latest.admit(content.identifiers, latest, Anyway);
 }
 

@@ -291,7 +291,8 @@ QString reportText(const ReplayedFrame &frame, const Paint &paint)
             + QLatin1Char('\n');
         const QStringList lines
             = PluginKrHvcP2::SensorOutputParser::plainText(frame.text).split(QLatin1Char('\n'));
-        for (const QString &line : lines.mid(0, MaxFailureLines)) {
+        const QStringList shown = lines.mid(0, MaxFailureLines);
+        for (const QString &line : shown) {
             text += QLatin1String("  ") + fitted(printable(line), LineColumns - Indent)
                 + QLatin1Char('\n');
         }

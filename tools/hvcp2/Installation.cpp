@@ -148,10 +148,10 @@ Findings checkPlugin(const QString &directory)
                            " the host finds them.")}};
     return {{Finding::Ok, PluginFileName,
         QStringLiteral("loads with Qt %1; it was built with Qt %2 (%3)")
-            .arg(QLatin1String(qVersion()),
+            .arg(QString::fromLatin1(qVersion()),
                 qtVersionText(metaData.value(QStringLiteral("version")).toInt()),
-                QLatin1String(
-                    metaData.value(QStringLiteral("debug")).toBool() ? "debug" : "release")),
+                metaData.value(QStringLiteral("debug")).toBool() ? QStringLiteral("debug")
+                                                                 : QStringLiteral("release")),
         QString()}};
 }
 

@@ -523,7 +523,7 @@ private:
         for (int band = 0; band < AgeBands; ++band) {
             QStringList row{bandWord(band)};
             qint64 sum = 0;
-            for (const Series &each : series) {
+            for (const Series &each : qAsConst(series)) {
                 row << number(each.values.at(band));
                 sum += each.values.at(band);
             }
@@ -555,7 +555,7 @@ private:
             days.append(listOf(hours));
         }
         QStringList heading{QStringLiteral("Hour")};
-        for (const QString &name : names)
+        for (const QString &name : qAsConst(names))
             heading << name.left(3);
         writePair(
             HeatMap{QStringLiteral("chart-week"),
