@@ -37,6 +37,9 @@ struct Entry
     QVector<int> numbers; ///< Determined: sequence numbers, in the order of the requests
     int number = 0; ///< Restricted: sequence number
     int limitMs = 0; ///< Restricted: the time that has to lie between two starts
+
+    /// Whether it comes from a recording, which tells no decisions: logs have whole seconds.
+    bool isRecorded() const { return timeToleranceMs == 0; }
 };
 
 } // namespace Analysis

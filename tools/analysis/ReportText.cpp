@@ -5,6 +5,7 @@
 #include <QStringView>
 
 #include <algorithm>
+#include <iterator>
 
 namespace Analysis {
 
@@ -44,6 +45,15 @@ QString sensorLines(const QString &report)
         isValue = !isValue && SensorOutputParser::isLabel(line);
     }
     return lines;
+}
+
+QStringList failuresIn(const QString &lines)
+{
+    QStringList failures;
+    const QStringList all = SensorOutputParser::plainText(lines).split(QLatin1Char('\n'));
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(failures),
+        [](const QString &line) { return SensorOutputParser::isError(line); });
+    return failures;
 }
 
 } // namespace Analysis

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace Analysis {
 
@@ -19,5 +20,8 @@ namespace Analysis {
 ///   gone;
 /// - what HTML takes for a tag, an entity or a blank: "<", "&amp;", a no-break space.
 QString sensorLines(const QString &report);
+
+/// Those of @p lines, which are as SensorOutputParser::parse() takes them, that report a failure.
+QStringList failuresIn(const QString &lines);
 
 } // namespace Analysis

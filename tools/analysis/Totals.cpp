@@ -2,6 +2,7 @@
 
 #include "detection/Determination.h"
 #include "detection/SensorOutputParser.h"
+#include "tools/analysis/ReportText.h"
 
 #include <algorithm>
 #include <limits>
@@ -137,7 +138,7 @@ void TotalsCounter::addFrame(const Entry &entry)
     addSilence(entry);
     ++m_totals.frames;
     ++m_day->frames;
-    const bool isRecorded = entry.timeToleranceMs == 0;
+    const bool isRecorded = entry.isRecorded();
     m_totals.recordedFrames += isRecorded ? 1 : 0;
     if (m_decider && isRecorded) {
         addDecidedFrame(entry);
@@ -182,10 +183,8 @@ void TotalsCounter::addFace(const FaceResult &face, bool isMatched)
 
 void TotalsCounter::addSensorErrors(const Entry &entry)
 {
-    const QStringList lines = SensorOutputParser::plainText(entry.text).split(QLatin1Char('\n'));
-    for (const QString &line : lines) {
-        if (!SensorOutputParser::isError(line))
-            continue;
+    const QStringList failures = failuresIn(entry.text);
+    for (const QString &line : failures) {
         ++m_totals.sensorErrors;
         ++m_day->sensorErrors;
         count(m_totals.sensorErrorMessages[line.left(Totals::MaxMessageLength)], entry.time);

@@ -65,19 +65,24 @@ QCommandLineOption jsonOption()
     return {QStringLiteral("json"), QStringLiteral("Print one JSON document.")};
 }
 
+bool readGivenScreen(const QCommandLineParser &given, std::optional<int> *screen, QString *error)
+{
+    if (!isGiven(given, screenOption()))
+        return true;
+    const QString id = given.value(QStringLiteral("screen"));
+    bool ok = false;
+    *screen = id.toInt(&ok);
+    if (!ok)
+        *error = QStringLiteral("--screen: \"%1\" is no whole number").arg(id);
+    return ok;
+}
+
 std::optional<Analysis::Plan> readGivenPlan(
     const QCommandLineParser &given, const QString &stage, QString *error)
 {
     std::optional<int> screen;
-    if (given.isSet(QStringLiteral("screen"))) {
-        const QString id = given.value(QStringLiteral("screen"));
-        bool ok = false;
-        screen = id.toInt(&ok);
-        if (!ok) {
-            *error = QStringLiteral("--screen: \"%1\" is no whole number").arg(id);
-            return std::nullopt;
-        }
-    }
+    if (!readGivenScreen(given, &screen, error))
+        return std::nullopt;
     return Analysis::readPlan(stage, screen, error);
 }
 

@@ -48,6 +48,10 @@ QCommandLineOption jsonOption();
 /// reason in @p error, when there is none.
 std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString *error);
 
+/// Sets @p screen to the one that --screen names, if any. False, and the reason in @p error, when
+/// that is no number.
+bool readGivenScreen(const QCommandLineParser &given, std::optional<int> *screen, QString *error);
+
 /// The two steps of givenPlan(), for a command with several stages.
 std::optional<Analysis::Plan> readGivenPlan(
     const QCommandLineParser &given, const QString &stage, QString *error);

@@ -36,9 +36,7 @@ QString shareText(qint64 part, qint64 whole)
 {
     if (whole == 0)
         return number(part);
-    const double percent = static_cast<double>(part) * 100 / static_cast<double>(whole);
-    return QStringLiteral("%1 %2 %").arg(
-        number(part), QString::number(percent, 'f', 1).rightJustified(5));
+    return number(part) + QLatin1Char(' ') + shareWord(part, whole).rightJustified(7);
 }
 
 QString spacingText(const Spacing &spacing, qint64 ms)

@@ -23,18 +23,9 @@ QCommandLineOption sinceOption()
 
 QCommandLineOption labelOption()
 {
-    return {QStringLiteral("screen"),
-        QStringLiteral("The screen of the ids (default: of the stage)."), QStringLiteral("ID")};
-}
-
-/// Sets @p screen to the one that is given, if any. False when it is no number.
-bool readScreen(const QCommandLineParser &given, std::optional<int> *screen)
-{
-    if (!isGiven(given, labelOption()))
-        return true;
-    bool ok = false;
-    *screen = given.value(QStringLiteral("screen")).toInt(&ok);
-    return ok;
+    QCommandLineOption option = screenOption();
+    option.setDescription(QStringLiteral("The screen of the ids (default: of the stage)."));
+    return option;
 }
 
 ExitStatus run(const QCommandLineParser &given, Console &console)
@@ -42,12 +33,8 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
     const Command command = exportCommand();
     QString error;
     std::optional<int> screen;
-    if (!readScreen(given, &screen)) {
-        return refuse(command,
-            QStringLiteral("--screen: \"%1\" is no whole number")
-                .arg(given.value(QStringLiteral("screen"))),
-            console);
-    }
+    if (!readGivenScreen(given, &screen, &error))
+        return refuse(command, error, console);
     std::optional<Plan> plan;
     if (isGiven(given, stageOption())) {
         plan = givenPlan(given, &error);

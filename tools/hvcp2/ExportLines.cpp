@@ -1,6 +1,7 @@
 #include "tools/hvcp2/ExportLines.h"
 
 #include "detection/SensorOutputParser.h"
+#include "tools/analysis/ReportText.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QFileInfo>
@@ -157,18 +158,15 @@ void ExportLines::addFrame(const Entry &entry, QVector<QJsonObject> *lines)
     }
     if (frame.errorSeen)
         addFailures(entry, lines);
-    const bool isRecorded = entry.timeToleranceMs == 0;
-    if (m_decider && isRecorded)
+    if (m_decider && entry.isRecorded())
         addDecision(entry, lines);
 }
 
 void ExportLines::addFailures(const Entry &entry, QVector<QJsonObject> *lines) const
 {
     int count = 0;
-    const QStringList texts = SensorOutputParser::plainText(entry.text).split(QLatin1Char('\n'));
-    for (const QString &text : texts) {
-        if (!SensorOutputParser::isError(text))
-            continue;
+    const QStringList failures = failuresIn(entry.text);
+    for (const QString &text : failures) {
         lines->append(newLine(entry, "sensorError", numbered("failure", count++)));
         lines->last().insert(QStringLiteral("message"), text);
     }
