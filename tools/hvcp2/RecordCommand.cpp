@@ -12,12 +12,15 @@ namespace Hvcp2 {
 
 namespace {
 
-const QString SensorProgram = QLatin1String(PluginKrHvcP2::KrHvcController::ProgramName);
+QString sensorProgram()
+{
+    return QLatin1String(PluginKrHvcP2::KrHvcController::ProgramName);
+}
 
 bool isSensorProgram(const QString &fileName)
 {
     const QString name = QFileInfo(fileName).fileName();
-    return name.compare(SensorProgram, Qt::CaseInsensitive) == 0;
+    return name.compare(sensorProgram(), Qt::CaseInsensitive) == 0;
 }
 
 /// Where the executable was called, which may be a link to where it lies.
@@ -108,7 +111,7 @@ ExitStatus standForSensorProgram(const QStringList &arguments, Console &console)
         error = runInPlace(*options, arguments.mid(1), nullptr, QString());
     // The plug-in shows and logs as an error what the output says like this.
     console.out << "Failed to start the sensor program: " << error << '\n';
-    console.error << SensorProgram << ": " << error << '\n';
+    console.error << sensorProgram() << ": " << error << '\n';
     return BadUse;
 }
 
