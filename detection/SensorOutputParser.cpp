@@ -89,23 +89,277 @@ bool readConfidence(QStringView token, std::optional<int> &confidence)
     return readNumber(token, u"Confidence:", confidence);
 }
 
+/// Reads the lines of one chunk, with a table or, for somebody who shows nothing, without one.
+/// Which of both is settled when it is compiled: each piece of the table would ask.
+template <bool hasTable>
+class FrameReader
+{
+public:
+    FrameReader(const QString &chunk, const QDateTime &time);
+
+    SensorFrame read();
+
+private:
+    void put(QStringView text); // to the table
+    void putNumber(QStringView before, int number, QStringView behind);
+    void readLine(QStringView line);
+    void putErrorCell(QStringView line);
+    void putFaceCountCell(QStringView line);
+    void putResultCells(QStringView line);
+    void putIndexCells(QStringView line, QStringView label, QStringView values);
+    void putAge(QStringView values, bool marked);
+    void putGender(QStringView values, bool marked);
+    void putDirection(QStringView values);
+    void closeFace();
+
+    const QString &m_chunk;
+    const QDateTime &m_time;
+    FaceResult m_face; // under construction
+    SensorFrame m_frame;
+};
+
+template <bool hasTable>
+FrameReader<hasTable>::FrameReader(const QString &chunk, const QDateTime &time)
+    : m_chunk(chunk)
+    , m_time(time)
+{ }
+
+template <bool hasTable>
+SensorFrame FrameReader<hasTable>::read()
+{
+    if constexpr (hasTable)
+        m_frame.html.reserve(m_chunk.size() * TypicalHtmlGrowth + LeastHtmlSize);
+    put(u"<table>");
+    Pieces lines(m_chunk, u'\n');
+    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
+        readLine(line);
+    put(u"</table>");
+    return std::move(m_frame);
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::put(QStringView text)
+{
+    if constexpr (hasTable)
+        m_frame.html.append(text.data(), static_cast<int>(text.size()));
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putNumber(QStringView before, int number, QStringView behind)
+{
+    if constexpr (hasTable) {
+        std::array<char, 16> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+        put(before);
+        m_frame.html.append(QLatin1String(digits.data(), static_cast<int>(end - digits.data())));
+        put(behind);
+    }
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::readLine(QStringView line)
+{
+    if (isEndPrompt(line)) {
+        m_face.reset();
+        return;
+    }
+
+    const QStringView trimmed = line.trimmed();
+    m_frame.hasRows = true;
+    const int rowStart = m_frame.html.size();
+    put(u"<tr>");
+    bool closesFace = false;
+    if (SensorOutputParser::isError(trimmed)) {
+        putErrorCell(trimmed);
+    } else if (startsWithIgnoringCase(trimmed, u"Face result count:")) {
+        putFaceCountCell(trimmed);
+    } else {
+        putResultCells(trimmed);
+        closesFace = startsWith(trimmed, u"Gender");
+    }
+    put(u"</tr>");
+    if constexpr (hasTable) {
+        if (contains(trimmed, u'<'))
+            m_frame.markup += m_frame.html.midRef(rowStart);
+    }
+    if (closesFace)
+        closeFace();
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putErrorCell(QStringView line)
+{
+    m_frame.errorSeen = true;
+    put(u"<td><span style=\"color:red;font-weight:bold;\">");
+    if (line.compare(u"Failed to open COM port.", Qt::CaseInsensitive) == 0)
+        put(SensorOutputParser::tr("Failed to open COM port."));
+    else
+        put(line);
+    put(u"</span></td>");
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putFaceCountCell(QStringView line)
+{
+    const QStringView count = tokenValue(line);
+    const bool isNobody = !count.isEmpty() && toNumber(count).value_or(0) < 1;
+    m_frame.noFace = m_frame.noFace || isNobody;
+    put(isNobody ? QStringView(u"<td><span style=\"color:orange;\">")
+                 : QStringView(u"<td><span style=\"color:white;\">"));
+    put(line);
+    put(u"</span></td>");
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putResultCells(QStringView line)
+{
+    Pieces fields(line, u'\t');
+    const QStringView label = fields.next();
+    const QStringView values = fields.next();
+    if (values.isEmpty())
+        return;
+
+    if (startsWithIgnoringCase(line, u"Index:")) {
+        putIndexCells(line, label, values);
+        return;
+    }
+
+    const bool marked = contains(line, u'*');
+    put(u"<td>");
+    put(label);
+    put(u"</td><td");
+    if (marked)
+        put(u" style=\"color:lime;\"");
+    put(u">");
+    if (startsWith(label, u"Age"))
+        putAge(values, marked);
+    else if (startsWith(label, u"Gender"))
+        putGender(values, marked);
+    else if (startsWith(label, u"Face Direction"))
+        putDirection(values);
+    put(u"</td>");
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putIndexCells(QStringView line, QStringView label, QStringView values)
+{
+    const std::optional<int> index = valueNumber(tokenValue(label));
+    if (!index) {
+        put(line);
+        return;
+    }
+    m_face.index = *index;
+    put(u"<td style=\"font-weight:bold;\">");
+    put(label);
+    put(u"</td><td>");
+    put(values);
+    put(u" </td>");
+
+    std::optional<int> x;
+    std::optional<int> y;
+    std::optional<int> size;
+    std::optional<int> confidence;
+    int tokenCount = 0;
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        ++tokenCount;
+        if (!readNumber(token, u"X:", x) && !readNumber(token, u"Y:", y)
+            && !readNumber(token, u"Size:", size))
+            readConfidence(token, confidence);
+    }
+    if (tokenCount >= 4 && x && y && size)
+        m_face.box = {{*x, *y, *size}, confidence.value_or(0), false};
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putAge(QStringView values, bool marked)
+{
+    std::optional<int> age;
+    std::optional<int> confidence;
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        if (readNumber(token, u"Age:", age))
+            putNumber(u"Age:<span style=\"color:yellow;\">", *age, u"</span> ");
+        else if (readConfidence(token, confidence))
+            putNumber(u"Confidence:", *confidence, u" ");
+        else
+            put(token);
+    }
+    if (age)
+        m_face.age = {*age, confidence.value_or(0), marked};
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putGender(QStringView values, bool marked)
+{
+    int gender = UnknownGender;
+    std::optional<int> confidence;
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        const QStringView word = startsWith(token, u"Gender:") ? tokenValue(token) : QStringView();
+        if (word == QStringView(u"Male")) {
+            gender = Male;
+            put(u"Gender:<span style=\"color:skyblue;\">Male </span>");
+        } else if (word == QStringView(u"Female")) {
+            gender = Female;
+            put(u"Gender:<span style=\"color:deeppink;\">Female </span>");
+        } else if (readConfidence(token, confidence)) {
+            putNumber(u"Confidence:", *confidence, u" ");
+        } else {
+            put(token);
+        }
+    }
+    if (gender != UnknownGender)
+        m_face.gender = {gender, confidence.value_or(0), marked};
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::putDirection(QStringView values)
+{
+    FaceAngles angles;
+    std::optional<int> confidence;
+    Pieces tokens(values, u' ');
+    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
+        if (readConfidence(token, confidence)) {
+            putNumber(u"Confidence:", *confidence, u" ");
+            continue;
+        }
+        if (!readNumber(token, u"LR:", angles.leftRight)
+            && !readNumber(token, u"UD:", angles.upDown))
+            readNumber(token, u"Roll:", angles.roll);
+        put(token);
+        put(u" ");
+    }
+    if (!angles.leftRight)
+        return;
+    if (angles.upDown)
+        angles.directionValue = directionValue(*angles.leftRight, *angles.upDown);
+    m_face.angles = {angles, confidence.value_or(0), false};
+}
+
+template <bool hasTable>
+void FrameReader<hasTable>::closeFace()
+{
+    put(u"<tr><td></td></tr>");
+    if (m_face.index >= 0 && m_face.hasItems()) {
+        m_face.time = m_time;
+        m_frame.faces.append(m_face);
+        m_frame.sizes.append(m_face.size());
+        m_frame.directionValues.append(m_face.directionValue());
+    }
+    m_face.reset();
+}
+
 } // namespace
 
 SensorFrame SensorOutputParser::parse(const QString &chunk, const QDateTime &time)
 {
-    SensorOutputParser parser(time, true);
-    parser.m_frame.html.reserve(chunk.size() * TypicalHtmlGrowth + LeastHtmlSize);
-    parser.put(u"<table>");
-    parser.parseLines(chunk);
-    parser.put(u"</table>");
-    return std::move(parser.m_frame);
+    return FrameReader<true>(chunk, time).read();
 }
 
 SensorFrame SensorOutputParser::parseUnseen(const QString &chunk, const QDateTime &time)
 {
-    SensorOutputParser parser(time, false);
-    parser.parseLines(chunk);
-    return std::move(parser.m_frame);
+    return FrameReader<false>(chunk, time).read();
 }
 
 QString SensorOutputParser::plainText(const QString &chunk)
@@ -146,219 +400,6 @@ bool SensorOutputParser::isError(QStringView line)
         blank = std::find(blank + 1, line.cend(), QLatin1Char(' '));
     }
     return false;
-}
-
-SensorOutputParser::SensorOutputParser(const QDateTime &time, bool isSeen)
-    : m_time(time)
-    , m_isSeen(isSeen)
-{ }
-
-void SensorOutputParser::parseLines(const QString &chunk)
-{
-    Pieces lines(chunk, u'\n');
-    for (QStringView line = lines.next(); !line.isEmpty(); line = lines.next())
-        parseLine(line);
-}
-
-void SensorOutputParser::put(QStringView text)
-{
-    if (!m_isSeen)
-        return;
-    m_frame.html.append(text.data(), static_cast<int>(text.size()));
-}
-
-void SensorOutputParser::putNumber(QStringView before, int number, QStringView behind)
-{
-    if (!m_isSeen)
-        return;
-    std::array<char, 16> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    put(before);
-    m_frame.html.append(QLatin1String(digits.data(), static_cast<int>(end - digits.data())));
-    put(behind);
-}
-
-void SensorOutputParser::parseLine(QStringView line)
-{
-    if (isEndPrompt(line)) {
-        m_face.reset();
-        return;
-    }
-
-    const QStringView trimmed = line.trimmed();
-    m_frame.hasRows = true;
-    const int rowStart = m_frame.html.size();
-    put(u"<tr>");
-    bool closesFace = false;
-    if (isError(trimmed)) {
-        putErrorCell(trimmed);
-    } else if (startsWithIgnoringCase(trimmed, u"Face result count:")) {
-        putFaceCountCell(trimmed);
-    } else {
-        putResultCells(trimmed);
-        closesFace = startsWith(trimmed, u"Gender");
-    }
-    put(u"</tr>");
-    if (m_isSeen && contains(trimmed, u'<'))
-        m_frame.markup += m_frame.html.midRef(rowStart);
-    if (closesFace)
-        closeFace();
-}
-
-void SensorOutputParser::putErrorCell(QStringView line)
-{
-    m_frame.errorSeen = true;
-    put(u"<td><span style=\"color:red;font-weight:bold;\">");
-    if (line.compare(u"Failed to open COM port.", Qt::CaseInsensitive) == 0)
-        put(tr("Failed to open COM port."));
-    else
-        put(line);
-    put(u"</span></td>");
-}
-
-void SensorOutputParser::putFaceCountCell(QStringView line)
-{
-    const QStringView count = tokenValue(line);
-    const bool isNobody = !count.isEmpty() && toNumber(count).value_or(0) < 1;
-    m_frame.noFace = m_frame.noFace || isNobody;
-    put(isNobody ? QStringView(u"<td><span style=\"color:orange;\">")
-                 : QStringView(u"<td><span style=\"color:white;\">"));
-    put(line);
-    put(u"</span></td>");
-}
-
-void SensorOutputParser::putResultCells(QStringView line)
-{
-    Pieces fields(line, u'\t');
-    const QStringView label = fields.next();
-    const QStringView values = fields.next();
-    if (values.isEmpty())
-        return;
-
-    if (startsWithIgnoringCase(line, u"Index:")) {
-        putIndexCells(line, label, values);
-        return;
-    }
-
-    const bool marked = contains(line, u'*');
-    put(u"<td>");
-    put(label);
-    put(u"</td><td");
-    if (marked)
-        put(u" style=\"color:lime;\"");
-    put(u">");
-    if (startsWith(label, u"Age"))
-        putAge(values, marked);
-    else if (startsWith(label, u"Gender"))
-        putGender(values, marked);
-    else if (startsWith(label, u"Face Direction"))
-        putDirection(values);
-    put(u"</td>");
-}
-
-void SensorOutputParser::putIndexCells(QStringView line, QStringView label, QStringView values)
-{
-    const std::optional<int> index = valueNumber(tokenValue(label));
-    if (!index) {
-        put(line);
-        return;
-    }
-    m_face.index = *index;
-    put(u"<td style=\"font-weight:bold;\">");
-    put(label);
-    put(u"</td><td>");
-    put(values);
-    put(u" </td>");
-
-    std::optional<int> x;
-    std::optional<int> y;
-    std::optional<int> size;
-    std::optional<int> confidence;
-    int tokenCount = 0;
-    Pieces tokens(values, u' ');
-    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
-        ++tokenCount;
-        if (!readNumber(token, u"X:", x) && !readNumber(token, u"Y:", y)
-            && !readNumber(token, u"Size:", size))
-            readConfidence(token, confidence);
-    }
-    if (tokenCount >= 4 && x && y && size)
-        m_face.box = {{*x, *y, *size}, confidence.value_or(0), false};
-}
-
-void SensorOutputParser::putAge(QStringView values, bool marked)
-{
-    std::optional<int> age;
-    std::optional<int> confidence;
-    Pieces tokens(values, u' ');
-    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
-        if (readNumber(token, u"Age:", age))
-            putNumber(u"Age:<span style=\"color:yellow;\">", *age, u"</span> ");
-        else if (readConfidence(token, confidence))
-            putNumber(u"Confidence:", *confidence, u" ");
-        else
-            put(token);
-    }
-    if (age)
-        m_face.age = {*age, confidence.value_or(0), marked};
-}
-
-void SensorOutputParser::putGender(QStringView values, bool marked)
-{
-    int gender = UnknownGender;
-    std::optional<int> confidence;
-    Pieces tokens(values, u' ');
-    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
-        const QStringView word = startsWith(token, u"Gender:") ? tokenValue(token) : QStringView();
-        if (word == QStringView(u"Male")) {
-            gender = Male;
-            put(u"Gender:<span style=\"color:skyblue;\">Male </span>");
-        } else if (word == QStringView(u"Female")) {
-            gender = Female;
-            put(u"Gender:<span style=\"color:deeppink;\">Female </span>");
-        } else if (readConfidence(token, confidence)) {
-            putNumber(u"Confidence:", *confidence, u" ");
-        } else {
-            put(token);
-        }
-    }
-    if (gender != UnknownGender)
-        m_face.gender = {gender, confidence.value_or(0), marked};
-}
-
-void SensorOutputParser::putDirection(QStringView values)
-{
-    FaceAngles angles;
-    std::optional<int> confidence;
-    Pieces tokens(values, u' ');
-    for (QStringView token = tokens.next(); !token.isEmpty(); token = tokens.next()) {
-        if (readConfidence(token, confidence)) {
-            putNumber(u"Confidence:", *confidence, u" ");
-            continue;
-        }
-        if (!readNumber(token, u"LR:", angles.leftRight)
-            && !readNumber(token, u"UD:", angles.upDown))
-            readNumber(token, u"Roll:", angles.roll);
-        put(token);
-        put(u" ");
-    }
-    if (!angles.leftRight)
-        return;
-    if (angles.upDown)
-        angles.directionValue = directionValue(*angles.leftRight, *angles.upDown);
-    m_face.angles = {angles, confidence.value_or(0), false};
-}
-
-void SensorOutputParser::closeFace()
-{
-    put(u"<tr><td></td></tr>");
-    if (m_face.index >= 0 && m_face.hasItems()) {
-        m_face.time = m_time;
-        m_frame.faces.append(m_face);
-        m_frame.sizes.append(m_face.size());
-        m_frame.directionValues.append(m_face.directionValue());
-    }
-    m_face.reset();
 }
 
 } // namespace PluginKrHvcP2

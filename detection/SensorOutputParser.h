@@ -45,27 +45,6 @@ public:
 
     /// Whether @p line reports a failure: has "Failed " in it, in any letter case.
     static bool isError(QStringView line);
-
-private:
-    SensorOutputParser(const QDateTime &time, bool isSeen);
-
-    void parseLines(const QString &chunk);
-    void put(QStringView text); // to the table
-    void putNumber(QStringView before, int number, QStringView behind);
-    void parseLine(QStringView line);
-    void putErrorCell(QStringView line);
-    void putFaceCountCell(QStringView line);
-    void putResultCells(QStringView line);
-    void putIndexCells(QStringView line, QStringView label, QStringView values);
-    void putAge(QStringView values, bool marked);
-    void putGender(QStringView values, bool marked);
-    void putDirection(QStringView values);
-    void closeFace();
-
-    const QDateTime m_time;
-    const bool m_isSeen; // whether there is a table
-    FaceResult m_face; // under construction
-    SensorFrame m_frame;
 };
 
 } // namespace PluginKrHvcP2
