@@ -83,6 +83,7 @@ void tst_Hvcp2Frames::outputs_data()
     add("hall.1.explain.txt", "explain hall.txt --stage door.json --frame 1");
     add("hall.4.explain.txt", "explain hall.txt --stage door.json --frame 4");
     add("hall.4.explain.json.txt", "explain hall.txt --stage door.json --frame 4 --json");
+    add("hall.4.explain.csv.txt", "explain hall.txt --stage door.json --frame 4 --csv");
     add("hall.concurrent.explain.txt",
         "explain hall.txt --stage door.json --frame 4 --settings concurrent=3"
         " event-sending-limit=1000");
@@ -91,6 +92,7 @@ void tst_Hvcp2Frames::outputs_data()
     add("hall.failure.explain.json.txt", "explain hall.txt --stage door.json --frame 8 --json");
     add("hall.second.explain.txt", "explain hall.txt --stage names.json --at 00:00:03");
     add("hall.second.explain.json.txt", "explain hall.txt --stage names.json --at 00:00:03 --json");
+    add("hall.second.explain.csv.txt", "explain hall.txt --stage names.json --at 00:00:03 --csv");
     add("hall.nothing.explain.txt", "explain hall.txt --stage empty.json");
     add("log.explain.txt", "explain KrHvcP2Log_20180201.txt --stage window.json");
     add("log.restricted.explain.txt",

@@ -175,8 +175,16 @@ void tst_Hvcp2Program::refused_data()
         << "hvcp2 replay: --speed: \"fast\" is no number above 0";
     QTest::newRow("an endless speed") << good << "replay stage.json --stage stage.json --speed inf"
         << "hvcp2 replay: --speed: \"inf\" is no number above 0";
-    QTest::newRow("two forms at once") << good << "replay stage.json --stage stage.json --csv --json"
+    QTest::newRow("two forms of an explanation") << good << "explain --stage stage.json --csv --json"
+        << "hvcp2 explain: --csv and --json exclude each other.";
+    QTest::newRow("two forms of a map") << good << "coverage --stage stage.json --csv --json"
+        << "hvcp2 coverage: --csv and --json exclude each other.";
+    QTest::newRow("two forms of a replay") << good << "replay stage.json --stage stage.json --csv --json"
         << "hvcp2 replay: --csv and --json exclude each other.";
+    QTest::newRow("two forms of a comparison") << good << "compare stage.json --stage stage.json --stage stage.json --csv --json"
+        << "hvcp2 compare: --csv and --json exclude each other.";
+    QTest::newRow("two forms of a report") << good << "report stage.json --csv --json"
+        << "hvcp2 report: --csv and --json exclude each other.";
 #ifdef Q_OS_UNIX
     QTest::newRow("a stage file that is a pipe") << good << "explain --stage pipe"
         << "hvcp2 explain: pipe: is not a file";

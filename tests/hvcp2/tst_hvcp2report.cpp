@@ -155,6 +155,26 @@ const QStringList Ages{QStringLiteral("0-9"), QStringLiteral("10-19"), QStringLi
     QStringLiteral("30-39"), QStringLiteral("40-49"), QStringLiteral("50-59"),
     QStringLiteral("60-69"), QStringLiteral("70+"), QStringLiteral("unknown")};
 
+/// The values of a table for spreadsheets, summed by their figure and the cells that they fill:
+/// "faces weekday hour".
+QHash<QString, qint64> sumsOf(const QString &csv)
+{
+    constexpr int Cells = 7; // with the figure; the last ones are name and value
+    QHash<QString, qint64> sums;
+    const QStringList lines = csv.trimmed().split(QLatin1Char('\n'));
+    const QStringList columns = lines.constFirst().split(QLatin1Char(','));
+    for (const QString &line : lines.mid(1)) {
+        const QStringList cells = line.split(QLatin1Char(','));
+        QString key = cells.constFirst();
+        for (int i = 1; i < Cells; ++i) {
+            if (!cells.at(i).isEmpty())
+                key += QLatin1Char(' ') + columns.at(i);
+        }
+        sums[key] += cells.constLast().toLongLong();
+    }
+    return sums;
+}
+
 /// The numbers of one gender of an audience.
 QVector<qint64> agesOf(const QJsonValue &audience, const QString &gender)
 {
@@ -199,6 +219,8 @@ private slots:
     void initTestCase();
     void figures_data();
     void figures();
+    void tables_data();
+    void tables();
     void structure_data();
     void structure();
     void contrasts();
@@ -396,6 +418,45 @@ void tst_Hvcp2Report::figures()
             QCOMPARE(numberOf(day.at(++column)), numberOf(expected.value(QLatin1String(key))));
     }
     QCOMPARE(rows("table-coverage").isEmpty(), !arguments.contains(QLatin1String("--stage")));
+}
+
+void tst_Hvcp2Report::tables_data()
+{
+    addReports();
+}
+
+/// However the table for spreadsheets divides a figure, the parts are the whole of it.
+void tst_Hvcp2Report::tables()
+{
+    QFETCH(QString, arguments);
+
+    const QStringList command
+        = QStringList(QStringLiteral("report")) + arguments.split(QLatin1Char(' '));
+    const Result json = run(command + QStringList(QStringLiteral("--json")));
+    const QJsonObject totals = QJsonDocument::fromJson(json.output.toUtf8())
+                                   .object()
+                                   .value(QStringLiteral("totals"))
+                                   .toObject();
+    const Result csv = run(command + QStringList(QStringLiteral("--csv")));
+    QCOMPARE(csv.status, json.status);
+    const QHash<QString, qint64> sums = sumsOf(csv.output);
+    const auto verify = [&](const char *figure, const char *key, const QStringList &parts) {
+        const qint64 all = qMax<qint64>(0, numberOf(totals.value(QLatin1String(key))));
+        QCOMPARE(sums.value(QLatin1String(figure)), all);
+        for (const QString &part : parts)
+            QCOMPARE(sums.value(QLatin1String(figure) + QLatin1Char(' ') + part), all);
+    };
+    const QString date = QStringLiteral("date");
+    const QStringList requests{date, QStringLiteral("sequence"), QStringLiteral("hour sequence")};
+    verify("frames", "frames", {date});
+    verify("faces", "faces",
+        {date, QStringLiteral("hour gender ageFrom"), QStringLiteral("weekday hour")});
+    verify("unmatched", "unmatched", {QStringLiteral("gender ageFrom")});
+    verify("determined", "allDetermined", requests);
+    verify("restricted", "allRestricted", requests);
+    verify("sensorErrors", "sensorErrors", {date});
+    for (const char *const figure : {"framesWithFaces", "errors", "starts", "restarts", "stops"})
+        verify(figure, figure, {});
 }
 
 void tst_Hvcp2Report::structure_data()

@@ -65,6 +65,11 @@ QCommandLineOption jsonOption()
     return {QStringLiteral("json"), QStringLiteral("Print one JSON document.")};
 }
 
+QCommandLineOption csvOption()
+{
+    return {QStringLiteral("csv"), QStringLiteral("Print a table for a spreadsheet.")};
+}
+
 bool readGivenScreen(const QCommandLineParser &given, std::optional<int> *screen, QString *error)
 {
     if (!isGiven(given, screenOption()))
@@ -107,6 +112,19 @@ std::optional<Analysis::Plan> givenPlan(const QCommandLineParser &given, QString
     return plan;
 }
 
+std::optional<Form> givenForm(const QCommandLineParser &given, QString *error)
+{
+    const bool isJson = isGiven(given, jsonOption());
+    const bool isCsv = isGiven(given, csvOption());
+    if (isJson && isCsv) {
+        *error = QStringLiteral("--csv and --json exclude each other.");
+        return std::nullopt;
+    }
+    if (isCsv)
+        return Form::Csv;
+    return isJson ? Form::Json : Form::Text;
+}
+
 QStringList givenFrames(const QCommandLineParser &given)
 {
     QStringList frames = given.positionalArguments();
@@ -124,6 +142,22 @@ bool isGiven(const QCommandLineParser &given, const QCommandLineOption &option)
 void printJson(const QJsonObject &document, Console &console)
 {
     console.out << QString::fromUtf8(QJsonDocument(document).toJson());
+}
+
+void print(Form form, const std::function<QString()> &text,
+    const std::function<QJsonObject()> &json, const std::function<QString()> &csv, Console &console)
+{
+    switch (form) {
+    case Form::Text:
+        console.out << text();
+        break;
+    case Form::Json:
+        printJson(json(), console);
+        break;
+    case Form::Csv:
+        console.out << csv();
+        break;
+    }
 }
 
 bool writeFile(const QString &fileName, const QByteArray &content, QString *error)

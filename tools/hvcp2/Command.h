@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QJsonObject;
@@ -35,6 +36,9 @@ struct Command
     ExitStatus (*run)(const QCommandLineParser &given, Console &console) = nullptr;
 };
 
+/// How a result is printed.
+enum class Form { Text, Json, Csv };
+
 /// "hvcp2 NAME: REASON" on standard error. Returns BadUse.
 ExitStatus refuse(const Command &command, const QString &reason, Console &console);
 
@@ -43,6 +47,7 @@ QCommandLineOption stageOption();
 QCommandLineOption screenOption();
 QCommandLineOption settingsOption();
 QCommandLineOption jsonOption();
+QCommandLineOption csvOption(); ///< goes with jsonOption()
 
 /// The plan that --stage and --screen name, with the --settings that there are. Nothing, and the
 /// reason in @p error, when there is none.
@@ -57,12 +62,20 @@ std::optional<Analysis::Plan> readGivenPlan(
     const QCommandLineParser &given, const QString &stage, QString *error);
 bool assignGivenSettings(const QCommandLineParser &given, Analysis::Plan *plan, QString *error);
 
+/// The form that --json or --csv asks for, of a command that has both. Nothing, and the reason in
+/// @p error, when both are given.
+std::optional<Form> givenForm(const QCommandLineParser &given, QString *error);
+
 /// The arguments that are no options, and no KEY=VALUE that belongs to --settings.
 QStringList givenFrames(const QCommandLineParser &given);
 
 bool isGiven(const QCommandLineParser &given, const QCommandLineOption &option);
 
 void printJson(const QJsonObject &document, Console &console);
+/// What the function for @p form makes.
+void print(Form form, const std::function<QString()> &text,
+    const std::function<QJsonObject()> &json, const std::function<QString()> &csv,
+    Console &console);
 
 /// Replaces the file @p fileName. False with "file: reason" in @p error when that fails.
 bool writeFile(const QString &fileName, const QByteArray &content, QString *error);

@@ -47,7 +47,8 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
     const Command command = compareCommand();
     QString error;
     std::optional<Comparison> comparison = givenComparison(given, &error);
-    if (!comparison)
+    const std::optional<Form> form = comparison ? givenForm(given, &error) : std::nullopt;
+    if (!form)
         return refuse(command, error, console);
     const std::unique_ptr<FrameInput> input = FrameInput::open(command, given, console);
     if (!input)
@@ -57,10 +58,9 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
     const ExitStatus status = input->finish();
     if (status != Fine)
         return status;
-    if (isGiven(given, jsonOption()))
-        printJson(comparison->toJson(), console);
-    else
-        console.out << comparison->toText(console.paint);
+    print(
+        *form, [&] { return comparison->toText(console.paint); },
+        [&] { return comparison->toJson(); }, [&] { return comparison->toCsv(); }, console);
     return Fine;
 }
 
@@ -71,7 +71,7 @@ Command compareCommand()
     Command command;
     command.name = QStringLiteral("compare");
     command.synopsis = QStringLiteral("FRAMES... --stage A --stage B [--settings KEY=VALUE...]\n"
-                                      "       [--screen ID] [--interval MS] [--json]");
+                                      "       [--screen ID] [--interval MS] [--json | --csv]");
     command.summary = QStringLiteral("the same audience under two plans");
     command.description = QStringLiteral(
         "Decides every frame twice, as the plug-in would with either plan, and puts side\n"
@@ -81,9 +81,11 @@ Command compareCommand()
         "the first one with other settings.\n\n"
         "FRAMES are a directory of the plug-in's logs or of recordings, files of these,\n"
         "or - for standard input. A face counts in each frame: the sensor follows nobody\n"
-        "from one to the next.");
-    command.options
-        = {stageOption(), secondSettingsOption(), screensOption(), intervalOption(), jsonOption()};
+        "from one to the next.\n\n"
+        "The columns of --csv are figure, sequence, nameA, nameB, gender, ageFrom, a, b;\n"
+        "where a cell in front of a and b is empty, they are for all.");
+    command.options = {stageOption(), secondSettingsOption(), screensOption(), intervalOption(),
+        csvOption(), jsonOption()};
     command.takesArguments = true;
     command.examples
         = QStringList{QStringLiteral("compare logs --stage today.json --stage tomorrow.json"),

@@ -2,11 +2,15 @@
 
 #include "tools/analysis/Coverage.h"
 #include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Csv.h"
 #include "tools/hvcp2/TotalsReport.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <algorithm>
+#include <set>
 
 namespace Hvcp2 {
 
@@ -51,6 +55,21 @@ QJsonObject toJson(const Spacing &spacing)
     return {{QStringLiteral("mean"), spacing.meanMs()},
         {QStringLiteral("shortest"), spacing.shortestMs()},
         {QStringLiteral("longest"), spacing.longestMs()}};
+}
+
+/// Empty where there is no number.
+QString csvCell(const QJsonValue &value)
+{
+    return value.isDouble() ? csvNumber(value.toDouble()) : QString();
+}
+
+/// Null when the content takes no part.
+const ContentOutcome *contentOf(const PlanOutcome &outcome, int number)
+{
+    const QVector<ContentOutcome> &contents = outcome.contents();
+    const auto found = std::find_if(contents.cbegin(), contents.cend(),
+        [number](const ContentOutcome &content) { return content.number == number; });
+    return found == contents.cend() ? nullptr : &*found;
 }
 
 QJsonArray contentsJson(const Plan &plan, const PlanOutcome &outcome)
@@ -237,6 +256,80 @@ QString Comparison::leftOutText(const Paint &paint) const
         return {};
     return QLatin1Char('\n') + paint.heading(QStringLiteral("Faces that nothing fits"))
         + QLatin1Char('\n') + table.toText(paint);
+}
+
+QString Comparison::toCsv() const
+{
+    QString table = csvLine({QStringLiteral("figure"), QStringLiteral("sequence"),
+        QStringLiteral("nameA"), QStringLiteral("nameB"), QStringLiteral("gender"),
+        QStringLiteral("ageFrom"), QStringLiteral("a"), QStringLiteral("b")});
+    const QJsonObject a = toJson(m_sides.front());
+    const QJsonObject b = toJson(m_sides.back());
+    const auto addRow = [&](const QString &figure, const QJsonValue &ofA, const QJsonValue &ofB) {
+        table += csvLine({figure, {}, {}, {}, {}, {}, csvCell(ofA), csvCell(ofB)});
+    };
+    for (const char *const key : {"eventSendingLimitMs", "concurrent", "frames", "faces",
+             "watchedMs", "started", "restricted", "alreadyOn", "served", "cut", "nothingFits",
+             "startsPerHour", "switches", "switchesPerHour"}) {
+        const QLatin1String figure(key);
+        addRow(figure, a.value(figure), b.value(figure));
+    }
+    const QString spacing = QStringLiteral("betweenSwitchesMs");
+    for (const char *const key : {"shortest", "mean", "longest"}) {
+        const QLatin1String part(key);
+        addRow(spacing + QLatin1Char('.') + part, a.value(spacing).toObject().value(part),
+            b.value(spacing).toObject().value(part));
+    }
+    return table + contentsCsv() + leftOutCsv();
+}
+
+/// Contents of the same number are beside each other; they need not be the same.
+QString Comparison::contentsCsv() const
+{
+    std::set<int> numbers;
+    for (const Side &side : m_sides) {
+        for (const ContentOutcome &content : side.outcome.contents())
+            numbers.insert(content.number);
+    }
+    QString table;
+    for (const int sequence : numbers) {
+        QStringList start{number(sequence)};
+        for (const Side &side : m_sides)
+            start << side.plan.name(sequence);
+        start << QString() << QString();
+        const auto addRow = [&](const QString &figure, auto value) {
+            QStringList cells = QStringList(figure) + start;
+            for (const Side &side : m_sides) {
+                const ContentOutcome *const content = contentOf(side.outcome, sequence);
+                cells << (content == nullptr ? QString() : value(*content));
+            }
+            table += csvLine(cells);
+        };
+        addRow(QStringLiteral("started"),
+            [](const ContentOutcome &content) { return number(content.started); });
+        addRow(QStringLiteral("restricted"),
+            [](const ContentOutcome &content) { return number(content.restricted); });
+        addRow(QStringLiteral("cut"),
+            [](const ContentOutcome &content) { return number(content.cut); });
+    }
+    return table;
+}
+
+QString Comparison::leftOutCsv() const
+{
+    QString table;
+    for (std::size_t gender = 0; gender < CoveredGenders.size(); ++gender) {
+        for (std::size_t band = 0; band < AgeBands; ++band) {
+            const qint64 a = m_sides.front().outcome.leftOut().at(gender).at(band);
+            const qint64 b = m_sides.back().outcome.leftOut().at(gender).at(band);
+            if (a == 0 && b == 0)
+                continue;
+            table += csvLine(
+                {QStringLiteral("nothingFits"), {}, {}, {}, genderWord(CoveredGenders.at(gender)),
+                    bandStart(static_cast<int>(band)), number(a), number(b)});
+        }
+    }
+    return table;
 }
 
 QJsonObject Comparison::toJson() const

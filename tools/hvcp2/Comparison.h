@@ -22,6 +22,7 @@ public:
     void add(const Analysis::Entry &entry); ///< what is no frame does not count
     QString toText(const Paint &paint) const;
     QJsonObject toJson() const; ///< "a" and "b"
+    QString toCsv() const; ///< a row for each figure, with "a" and "b" beside each other
 
 private:
     struct Side
@@ -36,6 +37,8 @@ private:
     QString headText(const Paint &paint) const;
     QString figuresText(const Paint &paint) const;
     QString leftOutText(const Paint &paint) const;
+    QString contentsCsv() const;
+    QString leftOutCsv() const;
     static QString contentsText(const Side &side, const Paint &paint);
     static QJsonObject toJson(const Side &side);
 

@@ -2,6 +2,7 @@
 
 #include "core/screen/Gender.h"
 #include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Csv.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
@@ -13,14 +14,15 @@ using namespace Analysis;
 
 namespace {
 
-QString ageText(int age)
+QString ageText(int age, const QString &unknown)
 {
-    return age < 0 ? QStringLiteral("?") : QString::number(age);
+    return age < 0 ? unknown : QString::number(age);
 }
 
 QString agesText(const PluginKrHvcP2::DetectionContent &content)
 {
-    return ageText(content.ageMin) + QLatin1Char('-') + ageText(content.ageMax);
+    const QString unknown = QStringLiteral("?");
+    return ageText(content.ageMin, unknown) + QLatin1Char('-') + ageText(content.ageMax, unknown);
 }
 
 QString genderText(int genders)
@@ -29,13 +31,19 @@ QString genderText(int genders)
     return text.isEmpty() ? QStringLiteral("?") : text;
 }
 
+QStringList screensOf(const PlannedContent &entry)
+{
+    QStringList screens;
+    for (const int id : entry.content.identifiers)
+        screens << QString::number(id);
+    return screens;
+}
+
 QString partText(const PlannedContent &entry)
 {
     if (!entry.takesPart())
         return QLatin1String("no: ") + reasonWord(entry.reason);
-    QStringList screens;
-    for (const int id : entry.content.identifiers)
-        screens << QString::number(id);
+    const QStringList screens = screensOf(entry);
     return QLatin1String(screens.size() == 1 ? "yes, screen " : "yes, screens ")
         + screens.join(QLatin1String(", "));
 }
@@ -85,6 +93,25 @@ QString contentTableText(const Plan &plan, const Paint &paint)
             text += QLatin1Char('\n') + problemText(plan, entry, paint);
     }
     return text;
+}
+
+QString contentTableCsv(const Plan &plan)
+{
+    QString table = csvLine({QStringLiteral("number"), QStringLiteral("name"),
+        QStringLiteral("gender"), QStringLiteral("ageFrom"), QStringLiteral("ageTo"),
+        QStringLiteral("default"), QStringLiteral("screens"), QStringLiteral("reason"),
+        QStringLiteral("key"), QStringLiteral("line")});
+    for (const PlannedContent &entry : plan.entries) {
+        const bool hasProblem = !entry.takesPart();
+        table += csvLine({QString::number(entry.number), entry.name,
+            PluginKrHvcP2::genderToText(entry.content.genders),
+            ageText(entry.content.ageMin, QString()), ageText(entry.content.ageMax, QString()),
+            entry.content.isDefault ? QStringLiteral("yes") : QStringLiteral("no"),
+            screensOf(entry).join(QLatin1Char(' ')), asKey(reasonWord(entry.reason)),
+            hasProblem ? entry.problem.path.toString() : QString(),
+            hasProblem ? QString::number(entry.problem.line) : QString()});
+    }
+    return table;
 }
 
 QJsonObject contentTableJson(const Plan &plan)

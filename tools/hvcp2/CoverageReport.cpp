@@ -1,6 +1,7 @@
 #include "tools/hvcp2/CoverageReport.h"
 
 #include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Csv.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
@@ -286,6 +287,30 @@ QString coverageText(const Plan &plan, const Coverage &coverage, const Paint &pa
     return paint.heading(screenWord(plan)) + QLatin1String("\n\n") + mapText(plan, coverage, paint)
         + blank + bandsText(plan, coverage, paint) + blank + countsText(coverage, paint) + blank
         + findingsText(plan, coverage, paint);
+}
+
+QString coverageCsv(const Plan &plan, const Coverage &coverage)
+{
+    QString table
+        = csvLine({QStringLiteral("gender"), QStringLiteral("ageFrom"), QStringLiteral("ageTo"),
+            QStringLiteral("content"), QStringLiteral("name"), QStringLiteral("fit")});
+    const auto addRow = [&](PluginKrHvcP2::Gender gender, const QString &from, const QString &to,
+                            const Choice &choice) {
+        const bool hasContent = choice.fit != Choice::Nothing;
+        table += csvLine(
+            {genderWord(gender), from, to, hasContent ? QString::number(choice.number) : QString(),
+                hasContent ? plan.name(choice.number) : QString(), asKey(fitWord(choice.fit))});
+    };
+    const QString unknown = QStringLiteral("unknown");
+    for (const GenderCoverage &row : coverage.genders) {
+        const QVector<Band> bands = row.bands();
+        for (const Band &band : bands) {
+            addRow(row.gender, QString::number(band.ages.from), QString::number(band.ages.to),
+                band.choice);
+        }
+        addRow(row.gender, unknown, unknown, row.unknownAge);
+    }
+    return table;
 }
 
 QJsonObject coverageJson(const Plan &plan, const Coverage &coverage)

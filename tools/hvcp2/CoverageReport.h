@@ -16,6 +16,8 @@ QStringList coverageFindings(const Analysis::Plan &plan, const Analysis::Coverag
 
 QString coverageText(
     const Analysis::Plan &plan, const Analysis::Coverage &coverage, const Paint &paint);
+/// A row for each band of ages of a gender.
+QString coverageCsv(const Analysis::Plan &plan, const Analysis::Coverage &coverage);
 QJsonObject coverageJson(const Analysis::Plan &plan, const Analysis::Coverage &coverage);
 
 } // namespace Hvcp2

@@ -2,6 +2,7 @@
 
 #include "tools/hvcp2/ContentTable.h"
 #include "tools/hvcp2/FrameChoice.h"
+#include "tools/hvcp2/FrameCsv.h"
 #include "tools/hvcp2/FrameInput.h"
 #include "tools/hvcp2/FrameReplay.h"
 #include "tools/hvcp2/FrameReport.h"
@@ -14,16 +15,16 @@ using Analysis::Plan;
 
 namespace {
 
-ExitStatus explainStage(const Plan &plan, const QCommandLineParser &given, Console &console)
+ExitStatus explainStage(const Plan &plan, Form form, Console &console)
 {
-    if (isGiven(given, jsonOption()))
-        printJson(contentTableJson(plan), console);
-    else
-        console.out << contentTableText(plan, console.paint);
+    print(
+        form, [&] { return contentTableText(plan, console.paint); },
+        [&] { return contentTableJson(plan); }, [&] { return contentTableCsv(plan); }, console);
     return plan.takesPartEntirely() ? Fine : FoundSomething;
 }
 
-ExitStatus explainFrame(const Plan &plan, const QCommandLineParser &given, Console &console)
+ExitStatus explainFrame(
+    const Plan &plan, Form form, const QCommandLineParser &given, Console &console)
 {
     const Command command = explainCommand();
     QString error;
@@ -44,10 +45,9 @@ ExitStatus explainFrame(const Plan &plan, const QCommandLineParser &given, Conso
         return status;
     if (!choice->chosen())
         return refuse(command, choice->objection(), console);
-    if (isGiven(given, jsonOption()))
-        printJson(frameJson(plan, *choice), console);
-    else
-        console.out << frameText(plan, *choice, console.paint);
+    print(
+        form, [&] { return frameText(plan, *choice, console.paint); },
+        [&] { return frameJson(plan, *choice); }, [&] { return frameCsv(plan, *choice); }, console);
     return choice->chosen()->difference == Analysis::Difference::None ? Fine : FoundSomething;
 }
 
@@ -55,13 +55,14 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
 {
     QString error;
     const std::optional<Plan> plan = givenPlan(given, &error);
-    if (!plan)
+    const std::optional<Form> form = plan ? givenForm(given, &error) : std::nullopt;
+    if (!form)
         return refuse(explainCommand(), error, console);
     if (!givenFrames(given).isEmpty())
-        return explainFrame(*plan, given, console);
+        return explainFrame(*plan, *form, given, console);
     if (isGiven(given, atOption()) || isGiven(given, frameOption()))
         return refuse(explainCommand(), QStringLiteral("--at and --frame need FRAMES."), console);
-    return explainStage(*plan, given, console);
+    return explainStage(*plan, *form, console);
 }
 
 } // namespace
@@ -88,9 +89,11 @@ Command explainCommand()
         "Without FRAMES lists the contents of a screen as the detection reads them: for\n"
         "whom each one is, which other screens link to it and, when it takes no part,\n"
         "why, with the place in the file. The exit status is 1 when a content takes no\n"
-        "part.");
+        "part.\n"
+        "\n"
+        "--csv prints a row for each content, of a frame for each face and content.");
     command.options = {stageOption(), screenOption(), atOption(), frameOption(), settingsOption(),
-        intervalOption(), jsonOption()};
+        intervalOption(), csvOption(), jsonOption()};
     command.takesArguments = true;
     command.examples = QStringList{QStringLiteral("explain --stage stages/shop-window.json"),
         QStringLiteral("explain --stage stages/shop-window.json --screen 2"),

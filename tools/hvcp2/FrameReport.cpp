@@ -430,7 +430,7 @@ QJsonArray contentsJson(const Plan &plan, const FaceEvaluation &evaluation)
             {QStringLiteral("reason"), asKey(reasonWord(entry.reason))}};
         if (entry.takesPart()) {
             const ContentReason reason = evaluation.reasons.at(position++);
-            content[QStringLiteral("reason")] = QString::fromLatin1(wordsOf(reason).key);
+            content[QStringLiteral("reason")] = reasonKey(reason);
             content[QStringLiteral("taken")] = isTaken(reason);
         }
         contents.append(content);
@@ -485,6 +485,11 @@ QJsonValue logJson(const ReplayedFrame &frame)
 }
 
 } // namespace
+
+QString reasonKey(ContentReason reason)
+{
+    return QString::fromLatin1(wordsOf(reason).key);
+}
 
 QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &paint)
 {

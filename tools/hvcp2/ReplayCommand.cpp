@@ -22,18 +22,23 @@ QCommandLineOption speedOption()
         QStringLiteral("N")};
 }
 
-QCommandLineOption csvOption()
+QCommandLineOption rowsOption()
 {
-    return {QStringLiteral("csv"), QStringLiteral("Print a row for each face that got a content.")};
+    QCommandLineOption option = csvOption();
+    option.setDescription(QStringLiteral("Print a row for each face that got a content."));
+    return option;
 }
 
-std::unique_ptr<ReplayOutput> givenOutput(
-    const QCommandLineParser &given, const Plan &plan, Console &console)
+std::unique_ptr<ReplayOutput> makeOutput(Form form, const Plan &plan, Console &console)
 {
-    if (isGiven(given, csvOption()))
+    switch (form) {
+    case Form::Csv:
         return std::make_unique<ReplayCsv>(plan, console);
-    if (isGiven(given, jsonOption()))
+    case Form::Json:
         return std::make_unique<ReplayJson>(plan, console);
+    case Form::Text:
+        break;
+    }
     return std::make_unique<ReplayText>(plan, console);
 }
 
@@ -85,12 +90,13 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
     const std::optional<Plan> plan = givenPlan(given, &error);
     if (!plan || !readPace(given, &pace, &error))
         return refuse(command, error, console);
-    if (isGiven(given, csvOption()) && isGiven(given, jsonOption()))
-        return refuse(command, QStringLiteral("--csv and --json exclude each other."), console);
+    const std::optional<Form> form = givenForm(given, &error);
+    if (!form)
+        return refuse(command, error, console);
     const std::unique_ptr<FrameInput> input = FrameInput::open(command, given, console);
     if (!input)
         return BadUse;
-    const std::unique_ptr<ReplayOutput> output = givenOutput(given, *plan, console);
+    const std::unique_ptr<ReplayOutput> output = makeOutput(*form, *plan, console);
     return replay(*plan, input.get(), pace, output.get(), console);
 }
 
@@ -115,7 +121,7 @@ Command replayCommand()
         "The columns of --csv are frame, time, face, sequence, score and outcome, which\n"
         "is sent, restricted or cut (more faces than \"concurrent\").");
     command.options = {stageOption(), screenOption(), settingsOption(), speedOption(),
-        intervalOption(), csvOption(), jsonOption()};
+        intervalOption(), rowsOption(), jsonOption()};
     command.takesArguments = true;
     command.examples = QStringList{QStringLiteral("replay log --stage stages/shop-window.json"),
         QStringLiteral("replay log --stage stages/shop-window.json --settings concurrent=2"),

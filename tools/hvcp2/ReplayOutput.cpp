@@ -1,6 +1,7 @@
 #include "tools/hvcp2/ReplayOutput.h"
 
 #include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Csv.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
@@ -273,9 +274,9 @@ void ReplayCsv::add(const ReplayedFrame &frame)
     for (const DecidedFace &face : frame.decision.faces) {
         if (face.outcome == DecidedFace::NothingFits)
             continue;
-        console().out << frame.number << ',' << time << ',' << face.face.index << ','
-                      << face.sequence << ',' << scoreText(face) << ',' << outcomeWord(face.outcome)
-                      << '\n';
+        console().out << csvLine(
+            {QString::number(frame.number), time, QString::number(face.face.index),
+                QString::number(face.sequence), scoreText(face), outcomeWord(face.outcome)});
     }
 }
 

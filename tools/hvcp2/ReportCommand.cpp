@@ -1,6 +1,7 @@
 #include "tools/hvcp2/ReportCommand.h"
 
 #include "tools/hvcp2/FrameInput.h"
+#include "tools/hvcp2/ReportCsv.h"
 #include "tools/hvcp2/ReportPage.h"
 #include "tools/hvcp2/TotalsReport.h"
 
@@ -48,6 +49,9 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
 {
     QString error;
     Report report;
+    const std::optional<Form> form = givenForm(given, &error);
+    if (!form)
+        return refuse(reportCommand(), error, console);
     const std::optional<qint64> silence = silenceMs(given);
     if (!silence) {
         return refuse(reportCommand(),
@@ -79,10 +83,11 @@ ExitStatus run(const QCommandLineParser &given, Console &console)
     if (wantsPage
         && !writeFile(given.value(pageOption().names().constFirst()), reportPage(report), &error))
         return refuse(command, error, console);
-    if (isGiven(given, jsonOption()))
-        printJson(reportJson(report), console);
-    else if (!wantsPage)
-        console.out << reportText(report, console.paint);
+    if (*form != Form::Text || !wantsPage) {
+        print(
+            *form, [&] { return reportText(report, console.paint); },
+            [&] { return reportJson(report); }, [&] { return reportCsv(report); }, console);
+    }
     if (report.totals.frames == 0)
         console.error << "hvcp2 report: there are no frames\n";
     return report.totals.frames > 0 && report.totals.unreadable == 0 ? Fine : FoundSomething;
@@ -94,7 +99,7 @@ Command reportCommand()
 {
     Command command;
     command.name = QStringLiteral("report");
-    command.synopsis = QStringLiteral("FRAMES [--stage FILE] [-o FILE.html] [--json]");
+    command.synopsis = QStringLiteral("FRAMES [--stage FILE] [-o FILE.html] [--json | --csv]");
     command.summary = QStringLiteral("whom the screen saw and what it did, in figures");
     command.description = QStringLiteral(
         "Counts what logs or recordings tell: faces by hour, weekday, age and gender, the\n"
@@ -103,9 +108,12 @@ Command reportCommand()
         "been requested for the frames of a recording, which does not tell that itself.\n"
         "FRAMES are a log directory, log files, recordings or - for standard input. The\n"
         "page is one file that needs no other. The exit status is 1 when there are no\n"
-        "frames or places that cannot be read.");
-    command.options = {stageOption(), screenOption(), settingsOption(), pageOption(), jsonOption(),
-        silenceOption(), intervalOption()};
+        "frames or places that cannot be read.\n"
+        "\n"
+        "The columns of --csv are figure, date, weekday, hour, gender, ageFrom, sequence,\n"
+        "name and value; where a cell in front of the value is empty, it counts all.");
+    command.options = {stageOption(), screenOption(), settingsOption(), pageOption(), csvOption(),
+        jsonOption(), silenceOption(), intervalOption()};
     command.takesArguments = true;
     command.examples = QStringList{QStringLiteral("report log/KrHvcP2"),
         QStringLiteral("report log/KrHvcP2 --stage stages/shop-window.json -o report.html"),

@@ -402,6 +402,11 @@ QString bandKey(int band)
                                       : agesWord(ages);
 }
 
+QString bandStart(int band)
+{
+    return band == UnknownAgeBand ? bandKey(band) : QString::number(agesOfBand(band).from);
+}
+
 QString bandWord(int band)
 {
     return band == UnknownAgeBand - 1 ? QStringLiteral("%1 and over").arg(agesOfBand(band).from)

@@ -33,6 +33,8 @@ struct ReportedSequence
 QVector<ReportedSequence> reportedSequences(const Report &report); ///< by rising number
 
 QString bandKey(int band); ///< "30-39", "70+", "unknown"
+/// "30", "70", "unknown": what no spreadsheet takes for a date.
+QString bandStart(int band);
 QString bandWord(int band); ///< the same, but "70 and over"
 QString hourWord(int hour); ///< "09:00": the hour that begins then
 QString weekdayWord(int day); ///< 0: Monday
