@@ -71,6 +71,8 @@ private slots:
     void init();
     void cleanup();
     void eachThingOnce();
+    void times_data();
+    void times();
     void decided();
     void unknownScreen();
     void since();
@@ -148,6 +150,37 @@ void tst_Hvcp2Export::eachThingOnce()
     expected[QStringLiteral("started")] = 3;
     expected[QStringLiteral("stopped")] = 1;
     QCOMPARE(types, expected);
+}
+
+void tst_Hvcp2Export::times_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("digits"); // of the seconds' fraction
+
+    QTest::newRow("a log has whole seconds") << "visitors.log.txt" << 0;
+    QTest::newRow("a recording has milliseconds") << "visitors.out" << 3;
+}
+
+void tst_Hvcp2Export::times()
+{
+    QFETCH(QString, file);
+    QFETCH(int, digits);
+
+    const QStringList lines
+        = runExport({m_golden + QLatin1Char('/') + file}).output.trimmed().split(QLatin1Char('\n'));
+    QVERIFY(lines.size() > 1);
+    for (const QString &line : lines) {
+        const QString time = QJsonDocument::fromJson(line.toUtf8())
+                                 .object()
+                                 .value(QStringLiteral("time"))
+                                 .toString();
+        QVERIFY2(QDateTime::fromString(time, Qt::ISODateWithMs).isValid(), qPrintable(time));
+        const int point = time.indexOf(QLatin1Char('.'));
+        int count = 0;
+        while (point >= 0 && time.at(point + 1 + count).isDigit())
+            ++count;
+        QCOMPARE(count, digits);
+    }
 }
 
 void tst_Hvcp2Export::decided()

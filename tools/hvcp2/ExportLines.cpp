@@ -133,9 +133,7 @@ QJsonObject ExportLines::newLine(const Entry &entry, const char *type, const QSt
         {QStringLiteral("file"), QFileInfo(entry.position.file).fileName()},
         {QStringLiteral("line"), entry.position.line},
         {QStringLiteral("offset"), entry.position.offset},
-        {QStringLiteral("time"),
-            entry.time.isNull() ? QJsonValue()
-                                : QJsonValue(entry.time.toString(Qt::ISODateWithMs))},
+        {QStringLiteral("time"), timeJson(entry.time, entry.timeToleranceMs)},
     };
 }
 

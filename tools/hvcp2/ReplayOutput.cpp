@@ -309,10 +309,6 @@ void ReplayJson::add(const ReplayedFrame &frame)
 void ReplayJson::end(const ReplayEnd &end)
 {
     const ReplaySummary &summary = end.summary;
-    const auto time = [&](const QDateTime &value) {
-        return value.isNull() ? QJsonValue()
-                              : QJsonValue(isoTime(value, summary.timeToleranceMs()));
-    };
     const QJsonObject rest{
         {QStringLiteral("file"), plan().fileName},
         {QStringLiteral("title"), plan().title},
@@ -321,8 +317,8 @@ void ReplayJson::end(const ReplayEnd &end)
         {QStringLiteral("concurrent"), plan().settings.concurrent},
         {QStringLiteral("eventSendingLimit"), plan().settings.eventSendingLimit},
         {QStringLiteral("frames"), summary.frames()},
-        {QStringLiteral("first"), time(summary.first())},
-        {QStringLiteral("last"), time(summary.last())},
+        {QStringLiteral("first"), timeJson(summary.first(), summary.timeToleranceMs())},
+        {QStringLiteral("last"), timeJson(summary.last(), summary.timeToleranceMs())},
         {QStringLiteral("sequences"), sequencesJson(plan(), summary)},
         {QStringLiteral("toldByLog"), summary.toldByLog()},
         {QStringLiteral("unsure"), summary.unsure()},

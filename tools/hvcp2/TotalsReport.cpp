@@ -30,9 +30,9 @@ QJsonValue jsonOf(qint64 number)
     return {static_cast<double>(number)};
 }
 
-QJsonValue jsonOf(const QDateTime &time)
+QJsonValue jsonOf(const QDateTime &time, const Report &report)
 {
-    return time.isNull() ? QJsonValue() : QJsonValue(time.toString(Qt::ISODateWithMs));
+    return timeJson(time, report.totals.timeToleranceMs);
 }
 
 QJsonArray jsonOf(const std::array<qint64, HoursOfDay> &hours)
@@ -91,22 +91,22 @@ QJsonArray sequencesJson(const Report &report)
     return array;
 }
 
-QJsonObject messageJson(const QJsonValue &message, const Tally &tally)
+QJsonObject messageJson(const Report &report, const QJsonValue &message, const Tally &tally)
 {
     return {{QStringLiteral("message"), message}, {QStringLiteral("count"), jsonOf(tally.count)},
         {QStringLiteral("byHour"), jsonOf(tally.hours)},
-        {QStringLiteral("first"), jsonOf(tally.first)},
-        {QStringLiteral("last"), jsonOf(tally.last)}};
+        {QStringLiteral("first"), jsonOf(tally.first, report)},
+        {QStringLiteral("last"), jsonOf(tally.last, report)}};
 }
 
 /// The sum of those that had no room is the last one, without a message.
-QJsonArray messagesJson(const Totals::Messages &messages)
+QJsonArray messagesJson(const Report &report, const Totals::Messages &messages)
 {
     QJsonArray array;
     for (const auto &[message, tally] : messages.values())
-        array.append(messageJson(message, tally));
+        array.append(messageJson(report, message, tally));
     if (messages.others().count > 0)
-        array.append(messageJson(QJsonValue(), messages.others()));
+        array.append(messageJson(report, QJsonValue(), messages.others()));
     return array;
 }
 
@@ -115,8 +115,8 @@ QJsonObject silencesJson(const Report &report)
     const Silences &silences = report.totals.silences;
     QJsonArray longest;
     for (const Silence &silence : silences.longest) {
-        longest.append(QJsonObject{{QStringLiteral("from"), jsonOf(silence.from)},
-            {QStringLiteral("to"), jsonOf(silence.to)},
+        longest.append(QJsonObject{{QStringLiteral("from"), jsonOf(silence.from, report)},
+            {QStringLiteral("to"), jsonOf(silence.to, report)},
             {QStringLiteral("ms"), jsonOf(silence.ms())},
             {QStringLiteral("stopped"), silence.isStopped}});
     }
@@ -157,8 +157,8 @@ QJsonObject totalsJson(const Report &report)
     for (const auto &day : totals.facesByWeekday)
         weekdays.append(jsonOf(day));
     return {
-        {QStringLiteral("first"), jsonOf(totals.first)},
-        {QStringLiteral("last"), jsonOf(totals.last)},
+        {QStringLiteral("first"), jsonOf(totals.first, report)},
+        {QStringLiteral("last"), jsonOf(totals.last, report)},
         {QStringLiteral("frames"), jsonOf(totals.frames)},
         {QStringLiteral("framesWithFaces"), jsonOf(totals.framesWithFaces)},
         {QStringLiteral("faces"), jsonOf(totals.faces)},
@@ -179,9 +179,9 @@ QJsonObject totalsJson(const Report &report)
         {QStringLiteral("unmatchedByAge"),
             totals.unmatched ? QJsonValue(jsonOf(*totals.unmatched)) : QJsonValue()},
         {QStringLiteral("sensorErrors"), jsonOf(totals.sensorErrors)},
-        {QStringLiteral("sensorErrorMessages"), messagesJson(totals.sensorErrorMessages)},
+        {QStringLiteral("sensorErrorMessages"), messagesJson(report, totals.sensorErrorMessages)},
         {QStringLiteral("errors"), jsonOf(totals.errors)},
-        {QStringLiteral("errorMessages"), messagesJson(totals.errorMessages)},
+        {QStringLiteral("errorMessages"), messagesJson(report, totals.errorMessages)},
         {QStringLiteral("starts"), jsonOf(totals.starts)},
         {QStringLiteral("stops"), jsonOf(totals.stops)},
         {QStringLiteral("restarts"), jsonOf(totals.restarts)},

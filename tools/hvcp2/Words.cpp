@@ -103,6 +103,11 @@ QString isoTime(const QDateTime &time, int toleranceMs)
     return time.toString(toleranceMs > 0 ? Qt::ISODate : Qt::ISODateWithMs);
 }
 
+QJsonValue timeJson(const QDateTime &time, int toleranceMs)
+{
+    return time.isNull() ? QJsonValue() : QJsonValue(isoTime(time, toleranceMs));
+}
+
 QString durationWord(qint64 ms)
 {
     const auto twoDigits

@@ -6,6 +6,7 @@
 #include "tools/analysis/Plan.h"
 
 #include <QDateTime>
+#include <QJsonValue>
 #include <QString>
 
 /// What values are called, for people and in JSON.
@@ -26,6 +27,7 @@ QString asKey(QString word); ///< "ages-reversed"
 QString timeWord(const QDateTime &time, int toleranceMs);
 /// The same for programs: "2018-02-01T09:30:00.000Z".
 QString isoTime(const QDateTime &time, int toleranceMs);
+QJsonValue timeJson(const QDateTime &time, int toleranceMs); ///< likewise; null without a time
 QString durationWord(qint64 ms); ///< "0.5 s", "2 min 05 s", "3 h 02 min"
 
 QString contentWord(const Analysis::Plan &plan, int number); ///< "#3 Women 20-39"
