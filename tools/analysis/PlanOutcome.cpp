@@ -1,5 +1,7 @@
 #include "tools/analysis/PlanOutcome.h"
 
+#include "tools/analysis/Silence.h"
+
 #include <algorithm>
 
 namespace Analysis {
@@ -9,7 +11,7 @@ using namespace PluginKrHvcP2;
 void WatchedTime::add(const QDateTime &frame)
 {
     const qint64 gap = m_last.isValid() ? m_last.msecsTo(frame) : 0;
-    if (gap > 0 && gap <= LongestGapMs)
+    if (gap > 0 && gap <= LongestFrameGapMs)
         m_ms += gap;
     m_last = frame;
 }

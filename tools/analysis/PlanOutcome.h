@@ -16,8 +16,6 @@ namespace Analysis {
 class WatchedTime
 {
 public:
-    static constexpr qint64 LongestGapMs = 60000;
-
     void add(const QDateTime &frame);
     qint64 ms() const { return m_ms; }
 

@@ -5,8 +5,6 @@
 #include "tools/analysis/ReportText.h"
 
 #include <algorithm>
-#include <limits>
-#include <numeric>
 
 namespace Analysis {
 
@@ -45,17 +43,6 @@ void add(const Audience &from, Audience *to)
 }
 
 } // namespace
-
-void Silences::add(const Silence &silence)
-{
-    ++count;
-    ms += silence.ms();
-    longest.append(silence);
-    if (longest.size() <= MaxListed)
-        return;
-    longest.erase(std::min_element(longest.begin(), longest.end(),
-        [](const Silence &a, const Silence &b) { return a.ms() < b.ms(); }));
-}
 
 Audience Totals::audience() const
 {

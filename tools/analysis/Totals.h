@@ -5,6 +5,7 @@
 #include "tools/analysis/Audience.h"
 #include "tools/analysis/Decider.h"
 #include "tools/analysis/Entry.h"
+#include "tools/analysis/Silence.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -19,6 +20,7 @@ namespace Analysis {
 
 constexpr int HoursOfDay = 24;
 constexpr int DaysOfWeek = 7; ///< Monday is the first
+
 /// How often something happened.
 struct Tally
 {
@@ -53,28 +55,6 @@ public:
 private:
     std::map<Key, Value> m_values;
     Value m_others;
-};
-
-/// A time without a frame.
-struct Silence
-{
-    QDateTime from; ///< of the last frame before it
-    QDateTime to; ///< of the first frame behind it
-    bool isStopped = false; ///< the sensor program was stopped in it
-
-    qint64 ms() const { return from.msecsTo(to); }
-};
-
-/// Times without a frame.
-struct Silences
-{
-    static constexpr int MaxListed = 100;
-
-    qint64 count = 0;
-    qint64 ms = 0; ///< in all
-    QVector<Silence> longest; ///< the longest ones, in the order of time
-
-    void add(const Silence &silence);
 };
 
 /// What one day had.
@@ -139,11 +119,9 @@ struct Totals
 class TotalsCounter
 {
 public:
-    static constexpr int DefaultSilenceMs = 60000;
-
     /// More than @p silenceMs between two frames is a silence.
     explicit TotalsCounter(
-        const std::optional<Plan> &plan = {}, qint64 silenceMs = DefaultSilenceMs);
+        const std::optional<Plan> &plan = {}, qint64 silenceMs = LongestFrameGapMs);
 
     void add(const Entry &entry);
     const Totals &totals() const { return m_totals; }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int MsPerSecond = 1000;
 const QString Silence = QStringLiteral("silence");
-const QString DefaultSilence = QString::number(TotalsCounter::DefaultSilenceMs / MsPerSecond);
+const QString DefaultSilence = QString::number(LongestFrameGapMs / MsPerSecond);
 
 QCommandLineOption pageOption()
 {
