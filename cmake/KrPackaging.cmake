@@ -29,6 +29,7 @@ install(DIRECTORY demo/player/stages demo/player/recordings DESTINATION demo COM
 install(DIRECTORY demo/simulator/scenarios DESTINATION demo COMPONENT demo)
 install(FILES demo/player/README.md DESTINATION demo RENAME stage-player.md COMPONENT demo)
 install(FILES demo/simulator/README.md DESTINATION demo RENAME sensor-simulator.md COMPONENT demo)
+install(FILES docs/hvcp2.md docs/report.png DESTINATION demo COMPONENT demo)
 
 if(WIN32 AND NOT CMAKE_BUILD_TYPE STREQUAL Debug) # that one needs Qt's debug libraries
     # Qt and the compiler's own libraries, so that the demonstration runs on a bare machine.

@@ -46,6 +46,9 @@ foreach(
           demo/stages/shop-window.json
           demo/recordings/afternoon.txt
           demo/scenarios/everyday.json
+          demo/stage-player.md
+          demo/sensor-simulator.md
+          demo/hvcp2.md
           devel/include/KrHvcP2/host/KrPluginCommonInterface.h
           devel/include/KrHvcP2/host/KrPluginExtScreenInterface.h
           devel/include/KrHvcP2/host/KrPluginGraphicsItem.h
@@ -58,6 +61,19 @@ foreach(
     if(NOT EXISTS ${DIRECTORY}/${root}/${file})
         message(SEND_ERROR "Missing: ${file}")
     endif()
+endforeach()
+# What a document shows or leads to is in the archive, too.
+file(GLOB documents ${DIRECTORY}/${root}/demo/*.md)
+foreach(document IN LISTS documents)
+    file(READ ${document} text)
+    string(REGEX MATCHALL "\\]\\([^)#]+" links "${text}")
+    list(TRANSFORM links REPLACE "^\\]\\(" "")
+    list(FILTER links EXCLUDE REGEX "^https?:")
+    foreach(link IN LISTS links)
+        if(NOT EXISTS ${DIRECTORY}/${root}/demo/${link})
+            message(SEND_ERROR "${document} leads to ${link}, which is missing.")
+        endif()
+    endforeach()
 endforeach()
 # The simulator must not be taken for the sensor program.
 if(EXISTS ${DIRECTORY}/${root}/plugin/HvcCon.exe)
