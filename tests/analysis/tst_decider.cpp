@@ -67,6 +67,7 @@ class tst_Decider : public QObject
 private slots:
     void outcomes_data();
     void outcomes();
+    void parsedChunks();
     void ranks();
     void restriction();
     void facesThatShareNumberAndScore();
@@ -101,6 +102,20 @@ void tst_Decider::outcomes()
 
     Decider decider(plan(concurrent));
     QTEST(summary(decider.decide(text, momentMs(0))), "expected");
+}
+
+/// One that has been parsed before gets the same decision, and is remembered like any other.
+void tst_Decider::parsedChunks()
+{
+    const QString text = QStringLiteral("Face result count:2\n") + face(0, 200, 30, "Female")
+        + face(1, 150, 8, "Male");
+    Decider decider(plan(2));
+    const Decision first
+        = decider.decide(SensorOutputParser::parseUnseen(text, momentMs(0)), momentMs(0));
+    QCOMPARE(summary(first), QStringLiteral("0:#1 sent, 1:#2 sent"));
+    QCOMPARE(first.time, momentMs(0));
+    QCOMPARE(summary(decider.decide(text, momentMs(500))),
+        QStringLiteral("0:#1 restricted, 1:#2 restricted"));
 }
 
 void tst_Decider::ranks()

@@ -1,7 +1,6 @@
 #include "tools/analysis/Decider.h"
 
 #include "detection/Determination.h"
-#include "detection/SensorOutputParser.h"
 
 #include <algorithm>
 #include <limits>
@@ -60,10 +59,20 @@ Decision Decider::decide(const QString &text, const QDateTime &time)
     return decide(text, {time, time}, {});
 }
 
+Decision Decider::decide(const SensorFrame &frame, const QDateTime &time)
+{
+    return decide(frame, {time, time}, {});
+}
+
 Decision Decider::decide(
     const QString &text, const Moment &moment, const QVector<LoggedRequest> &logged)
 {
-    const SensorFrame frame = SensorOutputParser::parseUnseen(text, moment.earliest);
+    return decide(SensorOutputParser::parseUnseen(text, moment.earliest), moment, logged);
+}
+
+Decision Decider::decide(
+    const SensorFrame &frame, const Moment &moment, const QVector<LoggedRequest> &logged)
+{
     const Prominence prominence(frame.sizes, frame.directionValues);
 
     Decision decision;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "detection/FaceEvaluation.h"
+#include "detection/SensorOutputParser.h"
 #include "detection/SequenceRequests.h"
 #include "tools/analysis/Plan.h"
 #include "tools/analysis/RequestMemory.h"
@@ -73,6 +74,8 @@ public:
 
     /// @p text is one chunk of the sensor program's output, which arrived at @p time.
     Decision decide(const QString &text, const QDateTime &time);
+    /// The same of a chunk that has been parsed.
+    Decision decide(const PluginKrHvcP2::SensorFrame &frame, const QDateTime &time);
     /// The same when that is not known better. @p logged is what a log tells about the requests; it
     /// counts where the times leave open what came of one.
     Decision decide(
@@ -84,6 +87,8 @@ public:
     void mayHaveStarted(const QDateTime &latest); ///< likewise
 
 private:
+    Decision decide(const PluginKrHvcP2::SensorFrame &frame, const Moment &moment,
+        const QVector<LoggedRequest> &logged);
     void request(DecidedFace &face, const Moment &moment, const LoggedRequest &logged);
 
     PluginKrHvcP2::ScreenSettings m_settings;

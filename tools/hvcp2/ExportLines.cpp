@@ -1,6 +1,5 @@
 #include "tools/hvcp2/ExportLines.h"
 
-#include "detection/SensorOutputParser.h"
 #include "tools/analysis/ReportText.h"
 #include "tools/hvcp2/Words.h"
 
@@ -157,7 +156,7 @@ void ExportLines::addFrame(const Entry &entry, QVector<QJsonObject> *lines)
     if (frame.errorSeen)
         addFailures(entry, lines);
     if (m_decider && entry.isRecorded())
-        addDecision(entry, lines);
+        addDecision(entry, frame, lines);
 }
 
 void ExportLines::addFailures(const Entry &entry, QVector<QJsonObject> *lines) const
@@ -170,11 +169,12 @@ void ExportLines::addFailures(const Entry &entry, QVector<QJsonObject> *lines) c
     }
 }
 
-void ExportLines::addDecision(const Entry &entry, QVector<QJsonObject> *lines)
+void ExportLines::addDecision(
+    const Entry &entry, const SensorFrame &frame, QVector<QJsonObject> *lines)
 {
     QVector<int> numbers;
     int held = 0;
-    const Decision decision = m_decider->decide(entry.text, entry.time);
+    const Decision decision = m_decider->decide(frame, entry.time);
     for (const DecidedFace &face : decision.faces) {
         const bool isRestricted = face.outcome == DecidedFace::Restricted;
         if (isRestricted || face.outcome == DecidedFace::Sent)

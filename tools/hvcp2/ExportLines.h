@@ -1,5 +1,6 @@
 #pragma once
 
+#include "detection/SensorOutputParser.h"
 #include "tools/analysis/Decider.h"
 #include "tools/analysis/Entry.h"
 #include "tools/analysis/Plan.h"
@@ -31,7 +32,8 @@ private:
     QJsonObject newLine(const Analysis::Entry &entry, const char *type, const QString &part) const;
     void addFrame(const Analysis::Entry &entry, QVector<QJsonObject> *lines);
     void addFailures(const Analysis::Entry &entry, QVector<QJsonObject> *lines) const;
-    void addDecision(const Analysis::Entry &entry, QVector<QJsonObject> *lines);
+    void addDecision(const Analysis::Entry &entry, const PluginKrHvcP2::SensorFrame &frame,
+        QVector<QJsonObject> *lines);
 
     std::optional<int> m_screen;
     int m_limitMs = 0; // with a plan
