@@ -11,11 +11,6 @@ namespace {
 
 constexpr int MaxRestricted = 100; // more than the plug-in ever logs in front of a decision
 
-bool isFromLog(const Entry &entry)
-{
-    return entry.timeToleranceMs > 0;
-}
-
 Moment momentOf(const Entry &entry)
 {
     return {entry.time, entry.time.addMSecs(entry.timeToleranceMs)};
@@ -115,7 +110,7 @@ std::optional<ReplayedFrame> Replay::complete(const Entry *determined)
     frame.position = entry.position;
     frame.timeToleranceMs = entry.timeToleranceMs;
     frame.text = entry.text;
-    frame.isLogged = isFromLog(entry) && !m_isCut;
+    frame.isLogged = !entry.isRecorded() && !m_isCut;
 
     // The requests come behind the record of the frame and in front of that of the decision.
     Moment moment = momentOf(entry);
@@ -127,13 +122,13 @@ std::optional<ReplayedFrame> Replay::complete(const Entry *determined)
     if (m_lastTime.isValid() && entry.time < m_lastTime)
         mayBeLost();
     m_lastTime = entry.time;
-    if (std::exchange(m_isGapBefore, false) && isFromLog(entry))
+    if (std::exchange(m_isGapBefore, false) && !entry.isRecorded())
         bridgeGap(moment);
 
     const bool helps = frame.isLogged && m_followsLog;
     frame.decision
         = m_decider.decide(entry.text, moment, helps ? frame.logged : QVector<LoggedRequest>());
-    if (isFromLog(entry))
+    if (!entry.isRecorded())
         judge(&frame, moment);
     return frame;
 }

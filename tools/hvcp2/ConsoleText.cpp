@@ -7,8 +7,6 @@ namespace Hvcp2 {
 
 namespace {
 
-constexpr int LineColumns = 80;
-
 struct CharacterRange
 {
     uint first;

@@ -10,6 +10,8 @@
 /// Texts for a terminal of 80 columns.
 namespace Hvcp2 {
 
+constexpr int LineColumns = 80;
+
 /// @p text without what would change the terminal or break a file: each control character, blank
 /// other than a space and half character becomes one replacement.
 QString printable(const QString &text);

@@ -19,7 +19,6 @@ using PluginKrHvcP2::FaceEvaluation;
 
 namespace {
 
-constexpr int LineColumns = 80;
 constexpr int FacesInATable = 5;
 constexpr int LeastLabelColumns = 12;
 constexpr int MostLabelColumns = 28;
@@ -349,13 +348,6 @@ QString legendText(const Plan &plan, const ReplayedFrame &frame)
     return text.isEmpty() ? text : text + QLatin1Char('\n');
 }
 
-QString settingsText(const Plan &plan)
-{
-    return QStringLiteral("concurrent %1, event-sending-limit %2 ms\n")
-        .arg(plan.settings.concurrent)
-        .arg(plan.settings.eventSendingLimit);
-}
-
 QString evidenceText(const DecidedFace &face)
 {
     if (face.evidence == DecidedFace::Times)
@@ -474,13 +466,7 @@ QJsonValue logJson(const ReplayedFrame &frame)
 {
     if (!frame.isLogged)
         return {};
-    QJsonArray requests;
-    for (const LoggedRequest &request : frame.logged) {
-        requests.append(QJsonObject{{QStringLiteral("sequence"), request.number},
-            {QStringLiteral("outcome"),
-                outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent)}});
-    }
-    return QJsonObject{{QStringLiteral("requests"), requests},
+    return QJsonObject{{QStringLiteral("requests"), requestsJson(frame.logged)},
         {QStringLiteral("agrees"), frame.difference == Difference::None}};
 }
 
@@ -495,7 +481,8 @@ QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &pain
 {
     const ReplayedFrame &frame = *choice.chosen();
     QString text = headingText(plan, frame, paint) + reportText(frame, paint)
-        + facesText(plan, frame, paint) + legendText(plan, frame) + settingsText(plan);
+        + facesText(plan, frame, paint) + legendText(plan, frame) + settingsWord(plan)
+        + QLatin1Char('\n');
     for (const DecidedFace &face : frame.decision.faces)
         text += evidenceText(face);
     if (frame.difference != Difference::None) {

@@ -14,7 +14,6 @@ using namespace Analysis;
 
 namespace {
 
-constexpr int LineColumns = 80;
 constexpr int Indent = 2;
 constexpr int FrameColumns = 8;
 constexpr int FaceColumns = 4;
@@ -93,17 +92,6 @@ QStringList explanations(const Plan &plan, const ReplayEnd &end)
                             " start of the plug-in, which then remembers no starts, or a start by"
                             " hand");
     return texts;
-}
-
-QJsonArray requestsJson(const QVector<LoggedRequest> &requests)
-{
-    QJsonArray array;
-    for (const LoggedRequest &request : requests) {
-        array.append(QJsonObject{{QStringLiteral("sequence"), request.number},
-            {QStringLiteral("outcome"),
-                outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent)}});
-    }
-    return array;
 }
 
 QJsonObject startJson(const Plan &plan, const ReplayedFrame &frame, const DecidedFace &face)
@@ -186,10 +174,8 @@ void ReplayText::end(const ReplayEnd &end)
     if (m_hasHeading)
         console().out << '\n';
     console().out << wrapped(spanText(summary), 0) << '\n'
-                  << sequencesText(summary)
-                  << QStringLiteral("\nconcurrent %1, event-sending-limit %2 ms\n")
-                         .arg(plan().settings.concurrent)
-                         .arg(plan().settings.eventSendingLimit);
+                  << sequencesText(summary) << '\n'
+                  << settingsWord(plan()) << '\n';
     if (summary.toldByLog() > 0) {
         console().out << wrapped(
             QStringLiteral("What came of %1 is taken from the log: the times leave it open.")

@@ -20,11 +20,6 @@ namespace {
 constexpr int ListedInText = 10; // the terminal is for the first look
 constexpr int MessageColumns = 40;
 
-QString twoDigits(int number)
-{
-    return QString::number(number).rightJustified(2, QLatin1Char('0'));
-}
-
 QJsonValue jsonOf(qint64 number)
 {
     return {static_cast<double>(number)};

@@ -3,6 +3,8 @@
 #include "core/screen/Gender.h"
 #include "tools/hvcp2/ConsoleText.h"
 
+#include <QJsonObject>
+
 namespace Hvcp2 {
 
 using namespace Analysis;
@@ -72,6 +74,17 @@ QString requestsWord(const QVector<LoggedRequest> &requests)
     return words.isEmpty() ? QStringLiteral("nothing") : words.join(QLatin1String(", "));
 }
 
+QJsonArray requestsJson(const QVector<LoggedRequest> &requests)
+{
+    QJsonArray array;
+    for (const LoggedRequest &request : requests) {
+        array.append(QJsonObject{{QStringLiteral("sequence"), request.number},
+            {QStringLiteral("outcome"),
+                outcomeWord(request.isRestricted ? DecidedFace::Restricted : DecidedFace::Sent)}});
+    }
+    return array;
+}
+
 QString genderWord(Gender gender)
 {
     const QString word = PluginKrHvcP2::genderToText(gender);
@@ -108,10 +121,13 @@ QJsonValue timeJson(const QDateTime &time, int toleranceMs)
     return time.isNull() ? QJsonValue() : QJsonValue(isoTime(time, toleranceMs));
 }
 
+QString twoDigits(qint64 number)
+{
+    return QString::number(number).rightJustified(2, QLatin1Char('0'));
+}
+
 QString durationWord(qint64 ms)
 {
-    const auto twoDigits
-        = [](qint64 number) { return QString::number(number).rightJustified(2, QLatin1Char('0')); };
     const qint64 minutes = ms / 60000;
     if (minutes == 0)
         return QStringLiteral("%1.%2 s").arg(
@@ -136,6 +152,13 @@ QString screenWord(const Plan &plan)
     const QString screen = QStringLiteral("%1, screen %2")
                                .arg(printable(plan.title), QString::number(plan.screenId));
     return name.isEmpty() ? screen : screen + QLatin1String(" (") + name + QLatin1Char(')');
+}
+
+QString settingsWord(const Plan &plan)
+{
+    return QStringLiteral("concurrent %1, event-sending-limit %2 ms")
+        .arg(plan.settings.concurrent)
+        .arg(plan.settings.eventSendingLimit);
 }
 
 } // namespace Hvcp2
