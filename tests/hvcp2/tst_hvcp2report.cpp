@@ -1,5 +1,7 @@
 #include "tests/support/Files.h"
 #include "tools/hvcp2/Chart.h"
+#include "tools/hvcp2/ConsoleText.h"
+#include "tools/hvcp2/Markup.h"
 #include "tools/hvcp2/Program.h"
 
 #include <QDir>
@@ -223,6 +225,8 @@ private slots:
     void tables();
     void structure_data();
     void structure();
+    void chartLabels_data();
+    void chartLabels();
     void contrasts();
     void browser_data();
     void browser();
@@ -500,6 +504,46 @@ void tst_Hvcp2Report::structure()
     static const QRegularExpression emptyElement(
         QStringLiteral("<(td|th|p|div|dd|dt|caption|h\\d|li|ul|a|section|figure|style)\\b[^>]*/>"));
     QVERIFY2(!html.contains(emptyElement), qPrintable(emptyElement.match(html).captured()));
+}
+
+void tst_Hvcp2Report::chartLabels_data()
+{
+    addReports();
+}
+
+/// None of them goes beyond its picture.
+void tst_Hvcp2Report::chartLabels()
+{
+    QFETCH(QString, arguments);
+
+    constexpr int LetterSize = 12; // in the style of the page
+    int width = 0; // of the chart; 0: outside of one
+    int labels = 0;
+    QXmlStreamReader reader(page(arguments));
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isEndElement() && reader.name() == QLatin1String("svg"))
+            width = 0;
+        if (!reader.isStartElement())
+            continue;
+        const QXmlStreamAttributes attributes = reader.attributes();
+        if (reader.name() == QLatin1String("svg")
+            && attributes.value(QLatin1String("class")) == QLatin1String("chart"))
+            width = attributes.value(QLatin1String("width")).toInt();
+        if (reader.name() != QLatin1String("text") || width == 0)
+            continue;
+        ++labels;
+        const int x = attributes.value(QLatin1String("x")).toInt();
+        const QStringRef anchor = attributes.value(QLatin1String("text-anchor"));
+        const QString text = reader.readElementText();
+        const int length = widthOf(columnsOf(text), LetterSize);
+        const int before = anchor == QLatin1String("end") ? length
+            : anchor == QLatin1String("middle")           ? length / 2
+                                                          : 0;
+        QVERIFY2(x - before >= 0, qPrintable(text));
+        QVERIFY2(x - before + length <= width + 1, qPrintable(text)); // a half is rounded
+    }
+    QVERIFY(labels > 0);
 }
 
 /// As WCAG 2 has it: 4.5 for text, 3 for the parts of a picture.

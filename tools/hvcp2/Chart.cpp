@@ -13,7 +13,7 @@ namespace Hvcp2 {
 namespace {
 
 // All lengths are in pixels of the picture's own size.
-constexpr int Width = 520;
+constexpr int Width = 400; // letters can be read on a phone
 constexpr int LetterSize = 12; // as in the style of the page
 constexpr int LineHeight = 18;
 constexpr int TextRise = 4; // from the middle of a line to its letters' foot
@@ -160,8 +160,11 @@ private:
     {
         const int stride = labelStride(m_chart.places, m_slot);
         for (int i = 0; i < m_chart.places.size(); i += stride) {
-            m_markup.label(xOf(i) + static_cast<int>(m_slot / 2), bottom() + LineHeight, "muted",
-                m_chart.places.at(i), "middle");
+            const QString &place = m_chart.places.at(i);
+            const int middle = xOf(i) + static_cast<int>(m_slot / 2);
+            const bool fits = middle + widthOf(columnsOf(place), LetterSize) / 2 <= Width;
+            m_markup.label(fits ? middle : Width, bottom() + LineHeight, "muted", place,
+                fits ? "middle" : "end");
         }
     }
 
@@ -197,7 +200,9 @@ public:
             descriptionOf(m_largest, placeOfLargest()));
         for (int row = 0; row < m_map.rows.size(); ++row)
             drawRow(row);
-        const int stride = labelStride(m_map.columns, m_slot);
+        int stride = labelStride(m_map.columns, m_slot);
+        while (stride < m_map.columns.size() && m_map.columns.size() % stride != 0)
+            ++stride; // a day in equal parts
         for (int column = 0; column < m_map.columns.size(); column += stride) {
             m_markup.label(m_left + column * m_slot + m_slot / 2,
                 RowHeight * m_map.rows.size() + LineHeight, "muted", m_map.columns.at(column),

@@ -55,7 +55,7 @@ section { background: var(--card); border: 1px solid var(--line); border-radius:
 .pair div, .pair figure { min-width: 0; }
 figure { margin: 0; }
 figcaption { font-weight: 600; margin-bottom: .4rem; }
-svg.chart { display: block; width: 100%; height: auto; min-width: 29rem; max-width: 38rem; }
+svg.chart { display: block; width: 100%; height: auto; min-width: 18rem; max-width: 30rem; }
 .chart text { font-family: inherit; font-size: 12px; fill: var(--ink); }
 .chart .muted { fill: var(--muted); }
 .chart .grid { stroke: var(--line); }
@@ -68,12 +68,16 @@ svg.chart { display: block; width: 100%; height: auto; min-width: 29rem; max-wid
 .chart rect.held { fill: var(--held); stroke: var(--card); }
 .chart rect.bad { fill: var(--bad); }
 .chart rect.faces { fill: var(--accent); }
-.scroll { overflow-x: auto; margin-bottom: .8rem; }
+.scroll { overflow-x: auto; margin-bottom: .8rem; container-type: inline-size; background:
+ linear-gradient(to right, var(--card) 1rem, transparent) 0 0 / 2.5rem 100% no-repeat local,
+ linear-gradient(to left, var(--card) 1rem, transparent) 100% 0 / 2.5rem 100% no-repeat local,
+ linear-gradient(to right, var(--line), transparent) 0 0 / .8rem 100% no-repeat scroll,
+ linear-gradient(to left, var(--line), transparent) 100% 0 / .8rem 100% no-repeat scroll; }
 .scroll svg.coverage { min-width: 44rem; max-width: 100%; height: auto; display: block; }
 .scroll:focus-visible, a:focus-visible { outline: 2px solid var(--accent); outline-offset: 2px; }
 .scroll .coverage .page { fill: none; }
 table { border-collapse: collapse; width: 100%; font-size: .9rem; font-variant-numeric: tabular-nums; }
-caption { text-align: left; padding-bottom: .3rem; white-space: normal; }
+caption { text-align: left; padding-bottom: .3rem; white-space: normal; position: sticky; left: 0; max-width: 100cqw; }
 th, td { text-align: left; padding: .18rem .55rem; border-bottom: 1px solid var(--line); vertical-align: top; white-space: nowrap; }
 thead th { border-bottom: 2px solid var(--line); }
 tbody th { font-weight: 400; }
@@ -82,6 +86,7 @@ thead th, .long { white-space: normal; }
 th.n, td.n { text-align: right; }
 .dense { font-size: .82rem; }
 .dense th, .dense td { padding: .18rem .3rem; }
+.dense thead th { white-space: nowrap; }
 td.zero { color: var(--muted); }
 footer { font-size: .85rem; padding-bottom: 2rem; overflow-wrap: anywhere; }
 @media (max-width: 40rem) { section { padding: .8rem; } }
@@ -96,12 +101,13 @@ footer { font-size: .85rem; padding-bottom: 2rem; overflow-wrap: anywhere; }
  .pair { grid-template-columns: 2fr 3fr; gap: 1rem; break-inside: avoid; }
  svg.chart { min-width: 0; max-width: none; overflow: visible; }
  .chart text { font-size: 13px; }
- .scroll { overflow: visible; }
+ .scroll { overflow: visible; background: none; }
  .scroll svg.coverage { min-width: 0; width: 100%; }
- table, .dense { font-size: 7.5pt; }
+ table { font-size: 7.5pt; }
+ .dense { font-size: 7pt; }
  th, td, .dense th, .dense td { padding: .06rem .2rem; }
  h2, h3, figcaption, caption { break-after: avoid; }
- figure, tr, .scroll, .figures div { break-inside: avoid; }
+ figure, tr, .figures div { break-inside: avoid; }
  thead { break-after: avoid; }
  figcaption, caption { font-size: 8pt; }
  svg, .figures div { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
