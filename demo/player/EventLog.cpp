@@ -18,6 +18,8 @@ QString kindName(PlayerEvent::Kind kind)
         return QStringLiteral("status");
     case PlayerEvent::Switch:
         return QStringLiteral("switch");
+    case PlayerEvent::Play:
+        return QStringLiteral("play");
     case PlayerEvent::Signal:
         return QStringLiteral("signal");
     case PlayerEvent::Edit:
@@ -37,6 +39,8 @@ QColor kindColor(PlayerEvent::Kind kind)
         return {0x7f, 0xc8, 0xf8};
     case PlayerEvent::Switch:
         return {0xff, 0xc8, 0x57};
+    case PlayerEvent::Play:
+        return {0xff, 0x9d, 0x6b};
     case PlayerEvent::Signal:
         return {0x9b, 0xe1, 0x9d};
     case PlayerEvent::Edit:

@@ -14,14 +14,15 @@ struct PlayerEvent
     enum Kind {
         Player, ///< the player itself did something
         Status, ///< the plug-in's status code changed
-        Switch, ///< contentStarted: the stage switches
+        Switch, ///< contentStarted: the stage is to switch
+        Play, ///< the player switches by itself, or later than it was told to
         Signal, ///< any other signal of the plug-in but its log and edit messages
         Edit, ///< the stage was changed in a dialog of the plug-in
         Log ///< throwLogMessage
     };
 
     Kind kind = Player;
-    QString signal; ///< name of the plug-in's signal; empty for kinds Player, Status and Edit
+    QString signal; ///< name of the plug-in's signal; empty for kinds Player, Status, Play and Edit
     QString details;
     QTime time = QTime::currentTime();
 

@@ -7,7 +7,11 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <limits>
+
 namespace Player {
+
+using Stage::IdleSequence;
 
 namespace {
 
@@ -60,6 +64,12 @@ struct Parser
         tr("Let the sensor simulator play the recording <FILE>."));
     QCommandLineOption scenario = valueOption(QStringLiteral("scenario"), QStringLiteral("FILE"),
         tr("Let the sensor simulator play the scenario <FILE>."));
+    QCommandLineOption switching
+        = valueOption(QStringLiteral("switch"), QStringLiteral("now|at-end"),
+            tr("Start a sequence at once, or when the content before it is over (default: now)."));
+    QCommandLineOption idle = valueOption(QStringLiteral("idle"), QStringLiteral("N[:SECONDS]"),
+        tr("Go back to sequence <N> when nothing has been started for <SECONDS> (default: what the "
+           "screen says, 20 seconds); 0: to none."));
     QCommandLineParser parser;
     QCommandLineOption help;
     QCommandLineOption version;
@@ -70,8 +80,8 @@ struct Parser
     {
         parser.setApplicationDescription(tr("Plays a stage as the host application does and lets "
                                             "the plug-in choose its sequences."));
-        parser.addOptions(
-            {headless, seconds, stage, screen, plugin, logDirectory, screenshot, replay, scenario});
+        parser.addOptions({headless, seconds, stage, screen, plugin, logDirectory, screenshot,
+            replay, scenario, switching, idle});
     }
 
     /// The option's value as an absolute path, @p fallback when it is not given.
@@ -81,6 +91,36 @@ struct Parser
         return value.isEmpty() ? fallback : QFileInfo(value).absoluteFilePath();
     }
 };
+
+std::optional<Programme::Switching> switchingFromText(const QString &text)
+{
+    if (text == QLatin1String("now"))
+        return Programme::Switching::Now;
+    if (text == QLatin1String("at-end"))
+        return Programme::Switching::AtEnd;
+    return std::nullopt;
+}
+
+std::optional<int> wholeNumber(const QString &text, int min, int max)
+{
+    bool ok = false;
+    const int number = text.toInt(&ok);
+    return ok && number >= min && number <= max ? std::make_optional(number) : std::nullopt;
+}
+
+/// "N" or "N:SECONDS"
+std::optional<IdleSequence> idleFromText(const QString &text)
+{
+    const std::optional<int> sequence
+        = wholeNumber(text.section(QLatin1Char(':'), 0, 0), 0, std::numeric_limits<int>::max());
+    if (!sequence)
+        return std::nullopt;
+    if (!text.contains(QLatin1Char(':')))
+        return IdleSequence{*sequence, IdleSequence::DefaultAfter};
+    const std::optional<int> after = wholeNumber(
+        text.section(QLatin1Char(':'), 1), IdleSequence::MinAfter, IdleSequence::MaxAfter);
+    return after ? std::make_optional(IdleSequence{*sequence, *after}) : std::nullopt;
+}
 
 Options refuse(const QString &reason)
 {
@@ -126,6 +166,23 @@ Options Options::fromArguments(const QStringList &arguments, const QString &prog
         if (!ok) {
             return refuse(
                 tr("--screen: '%1' is not a whole number.").arg(parser.value(given.screen)));
+        }
+    }
+    if (parser.isSet(given.switching)) {
+        const QString value = parser.value(given.switching);
+        const std::optional<Programme::Switching> switching = switchingFromText(value);
+        if (!switching)
+            return refuse(tr("--switch: '%1' is neither 'now' nor 'at-end'.").arg(value));
+        options.switching = *switching;
+    }
+    if (parser.isSet(given.idle)) {
+        const QString value = parser.value(given.idle);
+        options.idle = idleFromText(value);
+        if (!options.idle) {
+            return refuse(tr("--idle: '%1' is no number of a sequence, or none with seconds from "
+                             "%2 to %3 behind a colon.")
+                              .arg(value, QString::number(IdleSequence::MinAfter),
+                                  QString::number(IdleSequence::MaxAfter)));
         }
     }
     if (parser.isSet(given.replay) && parser.isSet(given.scenario))

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "demo/player/Programme.h"
+#include "demo/stage/IdleSequence.h"
+
 #include <QString>
 
 #include <optional>
@@ -23,6 +26,8 @@ struct Options
     QString screenshotFile; ///< empty: none
     QString replayFile; ///< empty: none
     QString scenarioFile; ///< empty: none
+    Programme::Switching switching = Programme::Switching::Now;
+    std::optional<Stage::IdleSequence> idle; ///< instead of the one of the stage
 
     /// @p arguments begin with the program's name. Needs no application object.
     static Options fromArguments(const QStringList &arguments, const QString &programDirectory);

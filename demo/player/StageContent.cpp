@@ -3,6 +3,7 @@
 #include "demo/stage/StageColor.h"
 #include "demo/stage/StageFile.h"
 #include "demo/stage/StageKeys.h"
+#include "demo/stage/StageReader.h"
 #include "demo/stage/StageText.h"
 
 #include <QDir>
@@ -27,6 +28,8 @@ StageContent stageContent(const QJsonObject &entry, int number, const QDir &dire
     content.subtitle = shownText(card, StageKeys::Subtitle);
     const StageColor color = contentColor(entry, number);
     content.color = QColor(color.red, color.green, color.blue, color.alpha);
+    content.duration
+        = qRound64(card.value(StageKeys::Duration).toDouble(StageReader::DefaultDuration) * 1000);
     const QString picture = card.value(StageKeys::Picture).toString();
     if (!picture.isEmpty())
         content.picture = directory.absoluteFilePath(picture);

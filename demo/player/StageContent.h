@@ -19,11 +19,13 @@ struct StageContent
     QString subtitle;
     QColor color; ///< always valid
     QString picture; ///< absolute path, empty when there is none
+    qint64 duration = 10000; ///< milliseconds until it is over
 
     friend bool operator==(const StageContent &a, const StageContent &b)
     {
         return a.number == b.number && a.name == b.name && a.title == b.title
-            && a.subtitle == b.subtitle && a.color == b.color && a.picture == b.picture;
+            && a.subtitle == b.subtitle && a.color == b.color && a.picture == b.picture
+            && a.duration == b.duration;
     }
     friend bool operator!=(const StageContent &a, const StageContent &b) { return !(a == b); }
 };

@@ -35,6 +35,8 @@ StagePlayer::StagePlayer(const Stage::StageFile &stage, int screenId, QObject *p
     , m_savedStage(stage.toJson())
 {
     connect(&m_host, &PluginHost::contentStarted, this, &StagePlayer::onContentStarted);
+    connect(&m_playback, &Playback::started, this, &StagePlayer::play);
+    connect(&m_playback, &Playback::postponed, this, &StagePlayer::notePostponed);
     connect(&m_host, &PluginHost::contentSignalReceived, this,
         [this](const QString &signalName, int seqIndex, const QTime &time) {
             QString details = describe(seqIndex);
@@ -66,6 +68,12 @@ StagePlayer::~StagePlayer()
     end();
 }
 
+void StagePlayer::setRules(const Programme::Rules &rules)
+{
+    m_playback.setRules(rules);
+    m_playback.dropBehind(m_contents.size());
+}
+
 bool StagePlayer::loadPlugin(const QString &fileName)
 {
     return m_host.load(fileName);
@@ -86,6 +94,7 @@ void StagePlayer::begin(const QString &logDirectory)
     }
     m_host.setUp(m_stage, m_screenId, m_logDirectory);
     m_scene.setPanel(m_host.panel());
+    m_playback.begin();
     m_host.start();
 }
 
@@ -93,6 +102,7 @@ void StagePlayer::end()
 {
     m_ended = true;
     m_host.finish();
+    m_playback.end();
     m_scene.removePanel();
     m_host.shutDown();
 }
@@ -104,6 +114,7 @@ bool StagePlayer::save(const QString &fileName, QString *error)
         return false;
     }
     m_savedStage = m_stage.toJson();
+    takeContents(); // their pictures are those of the file's new place
     note(PlayerEvent::Player, tr("Stage saved in %1").arg(QDir::toNativeSeparators(fileName)));
     showStage();
     emit stageChanged();
@@ -129,9 +140,29 @@ void StagePlayer::onContentStarted(int seqIndex)
     note(PlayerEvent::Switch, describe(seqIndex), QStringLiteral("contentStarted"));
     if (seqIndex < 0 || seqIndex >= m_contents.size())
         return;
-    m_current = m_contents.at(seqIndex);
+    m_switching = true;
+    m_playback.request({seqIndex + 1, StartReason::Viewer, m_contents.at(seqIndex).duration});
+    m_switching = false;
+}
+
+void StagePlayer::play(const Programme::Item &item)
+{
+    m_current = m_contents.at(item.sequence - 1);
+    if (item.reason == StartReason::Idle)
+        note(PlayerEvent::Play, tr("%1, idle").arg(describe(item.sequence - 1)));
+    else if (!m_switching)
+        note(PlayerEvent::Play, describe(item.sequence - 1));
     m_scene.showContent(m_current, m_contents.size());
     emit currentChanged();
+}
+
+void StagePlayer::notePostponed(const Programme::Item &item)
+{
+    note(PlayerEvent::Play,
+        tr("%1, in %2 s at the end of #%3")
+            .arg(describe(item.sequence - 1),
+                QString::number(static_cast<double>(m_playback.waitingTime()) / 1000, 'f', 1),
+                QString::number(m_current.number)));
 }
 
 void StagePlayer::onScreenValuesUpdated(int screenId, const QList<int> & /*seqIndexList*/)
@@ -184,7 +215,7 @@ void StagePlayer::applyEdits()
     if (m_stage.toJson() == stageBefore)
         return;
     const QVariantMap after = m_stage.screenParameters(m_screenId);
-    m_contents = stageContents(m_stage, m_screenId);
+    takeContents();
 
     const QPointer<StagePlayer> guard(this);
     m_applyingEdits = true;
@@ -218,9 +249,14 @@ QStringList StagePlayer::addRequestedContents()
     return lines;
 }
 
-void StagePlayer::showStage()
+void StagePlayer::takeContents()
 {
     m_contents = stageContents(m_stage, m_screenId);
+    m_playback.dropBehind(m_contents.size());
+}
+
+void StagePlayer::showStage()
+{
     if (m_current.number > m_contents.size())
         m_current = idleCard(m_stage.title());
     else if (m_current.number > 0)

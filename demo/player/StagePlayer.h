@@ -1,6 +1,7 @@
 #pragma once
 
 #include "demo/player/EventLog.h"
+#include "demo/player/Playback.h"
 #include "demo/player/PluginHost.h"
 #include "demo/player/StageContent.h"
 #include "demo/player/StageScene.h"
@@ -30,6 +31,7 @@ public:
     ~StagePlayer() override; ///< ends playing
 
     bool loadPlugin(const QString &fileName); ///< see PluginHost::load()
+    void setRules(const Programme::Rules &rules); ///< before begin()
 
     /// Initialises and starts the plug-in. @p logDirectory is created when missing.
     void begin(const QString &logDirectory);
@@ -58,12 +60,15 @@ signals:
 private:
     void note(PlayerEvent::Kind kind, const QString &details, const QString &signal = {});
     void onContentStarted(int seqIndex);
+    void play(const Programme::Item &item);
+    void notePostponed(const Programme::Item &item);
     void onScreenValuesUpdated(int screenId, const QList<int> &seqIndexList);
     void onContentsRequested(int screenId, const QMap<int, QVariant> &contents);
     bool isPlayed(int screenId);
     void applyEditsLater();
     void applyEdits();
     QStringList addRequestedContents();
+    void takeContents();
     void showStage();
     void noteSettings();
     QString describe(int seqIndex) const; // "#3  Women 20-39"
@@ -75,10 +80,12 @@ private:
     QVector<StageContent> m_contents;
     StageContent m_current;
     EventLog m_log;
+    Playback m_playback;
     StageScene m_scene; // goes after the plug-in, whose panel it shows
     PluginHost m_host;
     QByteArray m_savedStage;
     QMap<int, QVariant> m_requestedContents; // by index, not yet added
+    bool m_switching = false; // at the signal of the plug-in
     bool m_editsPending = false;
     bool m_applyingEdits = false;
     bool m_ended = false;

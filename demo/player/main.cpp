@@ -46,6 +46,7 @@ struct Order
     Options options;
     Stage::StageFile stage;
     int screenId = 0;
+    Programme::Rules rules;
 };
 
 Order refuse(const QString &message)
@@ -91,6 +92,14 @@ Order takeOrder(const Options &options)
         return refuse(QStringLiteral("%1: there is no screen %2")
                           .arg(options.stageFile, QString::number(order.screenId)));
     }
+    const Stage::IdleSequence idle
+        = options.idle.value_or(order.stage.idleSequence(order.screenId));
+    if (idle.sequence > order.stage.contents(order.screenId).size()) {
+        return refuse(QStringLiteral("%1: screen %2 has no sequence %3")
+                          .arg(options.stageFile, QString::number(order.screenId),
+                              QString::number(idle.sequence)));
+    }
+    order.rules = {options.switching, idle.sequence, qint64(idle.after) * 1000};
     return order;
 }
 
@@ -121,6 +130,7 @@ int play(const Order &order)
     const Options &options = order.options;
     tellSimulator(options);
     StagePlayer player(order.stage, order.screenId);
+    player.setRules(order.rules);
     if (!player.loadPlugin(options.pluginFile)) {
         return fail(RunFailure,
             QStringLiteral("%1: %2").arg(options.pluginFile, player.host().errorString()));

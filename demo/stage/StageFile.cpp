@@ -116,6 +116,13 @@ QString StageFile::screenName(int screenId) const
     return shownText(screen(screenId), Keys::Name);
 }
 
+IdleSequence StageFile::idleSequence(int screenId) const
+{
+    const QJsonObject idle = screen(screenId).value(StageKeys::Idle).toObject();
+    return {idle.value(StageKeys::Sequence).toInt(),
+        idle.value(StageKeys::After).toInt(IdleSequence::DefaultAfter)};
+}
+
 QMap<int, QVariantMap> StageFile::screens() const
 {
     QMap<int, QVariantMap> screens;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "demo/stage/IdleSequence.h"
+
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -39,6 +41,7 @@ public:
     /// The stage's "screen"; else the first screen with contents; else the first one.
     int defaultScreenId() const;
     QString screenName(int screenId) const; ///< likewise
+    IdleSequence idleSequence(int screenId) const; ///< that there is such a sequence is not checked
 
     QMap<int, QVariantMap> screens() const; ///< every screen as a plug-in is told about it
 

@@ -14,6 +14,11 @@ inline const QString Card = QStringLiteral("card");
 inline const QString Subtitle = QStringLiteral("subtitle");
 inline const QString Color = QStringLiteral("color");
 inline const QString Picture = QStringLiteral("picture");
+inline const QString Duration = QStringLiteral("duration");
+
+inline const QString Idle = QStringLiteral("idle");
+inline const QString Sequence = QStringLiteral("sequence");
+inline const QString After = QStringLiteral("after");
 
 inline const QString Event = QStringLiteral("event");
 inline const QString Type = QStringLiteral("type");

@@ -1,5 +1,6 @@
 #include "demo/stage/StageReader.h"
 
+#include "demo/stage/IdleSequence.h"
 #include "demo/stage/StageColor.h"
 #include "demo/stage/StageKeys.h"
 #include "demo/support/JsonReader.h"
@@ -31,6 +32,7 @@ void checkCard(JsonReader &card)
     card.text(StageKeys::Subtitle);
     const QString color = card.text(StageKeys::Color);
     card.text(StageKeys::Picture);
+    card.number(StageKeys::Duration, DefaultDuration, MaxDuration);
     if (!color.isEmpty() && !colorFromText(color))
         card.fail(StageKeys::Color, tr("\"%1\" is not a colour").arg(color));
 }
@@ -44,12 +46,24 @@ void checkEntry(JsonReader &content)
     checkCard(card);
 }
 
+void checkIdle(JsonReader &screen)
+{
+    if (!screen.contains(StageKeys::Idle))
+        return;
+    JsonReader idle = screen.object(StageKeys::Idle);
+    idle.require(StageKeys::Sequence);
+    idle.integer(StageKeys::Sequence, 1, 1, MaxEntries);
+    idle.integer(StageKeys::After, IdleSequence::DefaultAfter, IdleSequence::MinAfter,
+        IdleSequence::MaxAfter);
+}
+
 void checkScreen(JsonReader &screen)
 {
     screen.text(Keys::Name);
     screen.object(Keys::PluginData);
     screen.objects(Keys::Contents, MaxEntries, checkEntry);
     screen.objects(StageKeys::Event, MaxEntries, [](JsonReader & /*event*/) {});
+    checkIdle(screen);
 }
 
 void checkStage(JsonReader &stage)

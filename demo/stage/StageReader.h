@@ -10,6 +10,10 @@
 /// genders and settings are for the plug-in to judge.
 namespace Stage::StageReader {
 
+// Of a content, in seconds
+constexpr double DefaultDuration = 10;
+constexpr double MaxDuration = 86400;
+
 /// Sets @p stage to the whole object, which is a stage unless the returned problem is set.
 Demo::JsonProblem read(const QByteArray &json, QJsonObject *stage);
 

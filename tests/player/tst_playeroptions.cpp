@@ -12,6 +12,8 @@ class tst_PlayerOptions : public QObject
 private slots:
     void defaults();
     void everything();
+    void idle_data();
+    void idle();
     void refused_data();
     void refused();
     void requests_data();
@@ -43,6 +45,8 @@ void tst_PlayerOptions::defaults()
     QCOMPARE(options.screenshotFile, QString());
     QCOMPARE(options.replayFile, QString());
     QCOMPARE(options.scenarioFile, QString());
+    QVERIFY(options.switching == Programme::Switching::Now);
+    QVERIFY(!options.idle);
 }
 
 void tst_PlayerOptions::everything()
@@ -64,6 +68,33 @@ void tst_PlayerOptions::everything()
     QCOMPARE(options.replayFile, here.absoluteFilePath(QStringLiteral("r.txt")));
     QCOMPARE(parse(QStringLiteral(" --scenario s.json")).scenarioFile,
         here.absoluteFilePath(QStringLiteral("s.json")));
+    QVERIFY(parse(QStringLiteral(" --switch at-end")).switching == Programme::Switching::AtEnd);
+    QVERIFY(parse(QStringLiteral(" --switch=now")).switching == Programme::Switching::Now);
+}
+
+void tst_PlayerOptions::idle_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("sequence");
+    QTest::addColumn<int>("after");
+
+    QTest::newRow("a sequence") << "3" << 3 << 20;
+    QTest::newRow("a sequence with its time") << "12:5" << 12 << 5;
+    QTest::newRow("none") << "0" << 0 << 20;
+    QTest::newRow("the longest time") << "1:86400" << 1 << 86400;
+}
+
+void tst_PlayerOptions::idle()
+{
+    QFETCH(QString, value);
+    QFETCH(int, sequence);
+    QFETCH(int, after);
+
+    const Options options = parse(QLatin1String(" --idle ") + value);
+    QCOMPARE(options.request, Options::Run);
+    QVERIFY(options.idle);
+    QCOMPARE(options.idle->sequence, sequence);
+    QCOMPARE(options.idle->after, after);
 }
 
 void tst_PlayerOptions::refused_data()
@@ -87,6 +118,14 @@ void tst_PlayerOptions::refused_data()
         << "--seconds: 'nan' is not a number from 0 to 1000000.";
     QTest::newRow("a screen that is no number") << " --screen first"
                                                 << "--screen: 'first' is not a whole number.";
+    QTest::newRow("an unknown way to switch") << " --switch later"
+                                              << "--switch: 'later' is neither 'now' nor 'at-end'.";
+    const QString idle = QStringLiteral("--idle: '%1' is no number of a sequence, or none with "
+                                        "seconds from 1 to 86400 behind a colon.");
+    for (const char *const value : {"-1", "one", ":5", "1:", "1:0", "1:86401", "1:5:5", "1:2.5"}) {
+        const QString text = QLatin1String(value);
+        QTest::newRow(value) << QString(QLatin1String(" --idle=") + text) << idle.arg(text);
+    }
     QTest::newRow("a recording and a scenario") << " --replay a --scenario b"
                                                 << "--replay and --scenario exclude each other.";
 }
@@ -123,9 +162,10 @@ void tst_PlayerOptions::requests()
 void tst_PlayerOptions::helpNamesEveryOption()
 {
     const QString help = Options::helpText();
-    for (const char *const option : {"--headless", "--seconds <N>", "--stage <FILE>",
-             "--screen <ID>", "--plugin <FILE>", "--log-dir <DIR>", "--screenshot <FILE>",
-             "--replay <FILE>", "--scenario <FILE>", "--help", "--version"})
+    for (const char *const option :
+        {"--headless", "--seconds <N>", "--stage <FILE>", "--screen <ID>", "--plugin <FILE>",
+            "--log-dir <DIR>", "--screenshot <FILE>", "--replay <FILE>", "--scenario <FILE>",
+            "--switch <now|at-end>", "--idle <N[:SECONDS]>", "--help", "--version"})
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 

@@ -24,6 +24,8 @@ private slots:
     void helpNeedsNoDisplay_data();
     void helpNeedsNoDisplay();
     void headlessLines();
+    void idleSequence_data();
+    void idleSequence();
     void screenshot();
     void unwritableScreenshot_data();
     void unwritableScreenshot();
@@ -117,6 +119,13 @@ void tst_PlayerProgram::refused_data()
     QTest::newRow("a screen that the stage does not have")
         << good << "--headless --stage %1/stage.json --screen 2" << 2
         << "%1/stage.json: there is no screen 2";
+    QTest::newRow("an idle sequence that the screen does not have")
+        << good << "--headless --stage %1/stage.json --idle 1" << 2
+        << "%1/stage.json: screen 1 has no sequence 1";
+    QTest::newRow("an idle sequence of the stage that the screen does not have")
+        << QByteArray(R"({"screens": [{"id": 1, "idle": {"sequence": 2}, "contents":
+            [{"params": {}}]}]})")
+        << "--headless --stage %1/stage.json" << 2 << "%1/stage.json: screen 1 has no sequence 2";
     QTest::newRow("a recording that does not exist")
         << good << "--headless --stage %1/stage.json --replay %1/none.txt" << 2
         << "%1/none.txt: no such file";
@@ -210,6 +219,37 @@ void tst_PlayerProgram::headlessLines()
             .arg(QDir::toNativeSeparators(logs)));
     QCOMPARE(result.status, 0);
     QVERIFY(QFile::exists(logs));
+}
+
+void tst_PlayerProgram::idleSequence_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("of the stage") << QStringList() << "play    #2  Men, idle\n";
+    QTest::newRow("of the command line") << QStringList{QStringLiteral("--idle"),
+        QStringLiteral("1:1")} << "play    #1  Women, idle\n";
+    QTest::newRow("none on the command line")
+        << QStringList{QStringLiteral("--idle"), QStringLiteral("0")} << "";
+}
+
+void tst_PlayerProgram::idleSequence()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, expected);
+
+    const QString stage = writeStage(R"({"screens": [{"id": 4, "idle": {"sequence": 2},
+        "contents": [{"params": {"name": "Women"}}, {"params": {"name": "Men"}}]}]})");
+    const Result result
+        = run(QStringList{QStringLiteral("--headless"), QStringLiteral("--stage"), stage,
+                  QStringLiteral("--plugin"), QStringLiteral(KRHVC_FAKE_PLUGIN_FILE),
+                  QStringLiteral("--log-dir"), m_directory.path(), QStringLiteral("--seconds"),
+                  QStringLiteral("0.1")}
+            + options);
+    QCOMPARE(result.status, 0);
+    const QStringList lines = withoutTimes(result.output).split(QLatin1Char('\n'));
+    const QString plays = lines.filter(QStringLiteral("play ")).join(QLatin1Char('\n'));
+    QCOMPARE(plays.isEmpty() ? plays : plays + QLatin1Char('\n'), expected);
 }
 
 void tst_PlayerProgram::screenshot()

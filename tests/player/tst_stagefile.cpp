@@ -38,6 +38,7 @@ private slots:
     void defaultScreen_data();
     void defaultScreen();
     void titles();
+    void idleSequence();
     void contentCards();
     void longTexts();
     void shippedStage_data();
@@ -114,6 +115,18 @@ void tst_StageFile::refusedText_data()
         << "s.json:1:61: screens[0].contents[0].card.picture: must be a text";
     QTest::newRow("a colour that does not exist") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"color": "redd"}}]}]})")
         << "s.json:1:61: screens[0].contents[0].card.color: \"redd\" is not a colour";
+    QTest::newRow("a duration that is a text") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"duration": "1"}}]}]})")
+        << "s.json:1:61: screens[0].contents[0].card.duration: must be a number from 0 to 86400";
+    QTest::newRow("a negative duration") << QByteArray(R"({"screens": [{"id": 1, "contents": [{"params": {}, "card": {"duration": -1}}]}]})")
+        << "s.json:1:61: screens[0].contents[0].card.duration: must be a number from 0 to 86400";
+    QTest::newRow("an idle sequence that is a number") << QByteArray(R"({"screens": [{"id": 1, "idle": 1}]})")
+        << "s.json:1:24: screens[0].idle: must be an object";
+    QTest::newRow("no number of the idle sequence") << QByteArray(R"({"screens": [{"id": 1, "idle": {"after": 2}}]})")
+        << "s.json:1:32: screens[0].idle.sequence: is missing";
+    QTest::newRow("an idle sequence 0") << QByteArray(R"({"screens": [{"id": 1, "idle": {"sequence": 0}}]})")
+        << "s.json:1:33: screens[0].idle.sequence: must be a whole number from 1 to 1000";
+    QTest::newRow("an idle time with a fraction") << QByteArray(R"({"screens": [{"id": 1, "idle": {"sequence": 1, "after": 0.5}}]})")
+        << "s.json:1:48: screens[0].idle.after: must be a whole number from 1 to 86400";
     QTest::newRow("events that are an object") << QByteArray(R"({"screens": [{"id": 1, "event": {}}]})")
         << "s.json:1:24: screens[0].event: must be a list";
     QTest::newRow("an event that is a number") << QByteArray(R"({"screens": [{"id": 1, "event": [{}, 3]}]})")
@@ -525,12 +538,27 @@ void tst_StageFile::titles()
     QCOMPARE(nameless.screenName(1), QString());
 }
 
+void tst_StageFile::idleSequence()
+{
+    const StageFile stage = parse(R"({"screens": [{"id": 1},
+        {"id": 2, "idle": {"sequence": 3, "note": "kept"}},
+        {"id": 4, "idle": {"sequence": 1, "after": 5}}]})");
+    QCOMPARE(stage.idleSequence(1).sequence, 0);
+    QCOMPARE(stage.idleSequence(2).sequence, 3);
+    QCOMPARE(stage.idleSequence(2).after, 20);
+    QCOMPARE(stage.idleSequence(4).sequence, 1);
+    QCOMPARE(stage.idleSequence(4).after, 5);
+    QCOMPARE(stage.idleSequence(7).sequence, 0); // there is no such screen
+    QVERIFY(stage.toJson().contains("kept"));
+}
+
 void tst_StageFile::contentCards()
 {
     const StageFile stage = parse(R"({"screens": [{"id": 1, "contents": [
         {"params": {"name": "From params"}},
         {"name": "Own", "params": {"name": "From params"},
-         "card": {"title": "T", "subtitle": "S", "color": "#102030", "picture": "p/x.svg"}},
+         "card": {"title": "T", "subtitle": "S", "color": "#102030", "picture": "p/x.svg",
+                  "duration": 2.5}},
         {"params": {}}]}]})");
     const QVector<StageContent> contents = stageContents(stage, 1);
     QCOMPARE(contents.size(), 3);
@@ -541,12 +569,14 @@ void tst_StageFile::contentCards()
     QCOMPARE(contents.at(0).subtitle, QString());
     QVERIFY(contents.at(0).color.isValid());
     QCOMPARE(contents.at(0).picture, QString());
+    QCOMPARE(contents.at(0).duration, qint64(10000));
 
     QCOMPARE(contents.at(1).number, 2);
     QCOMPARE(contents.at(1).name, QStringLiteral("Own"));
     QCOMPARE(contents.at(1).title, QStringLiteral("T"));
     QCOMPARE(contents.at(1).subtitle, QStringLiteral("S"));
     QCOMPARE(contents.at(1).color, QColor(0x10, 0x20, 0x30));
+    QCOMPARE(contents.at(1).duration, qint64(2500));
     QCOMPARE(
         contents.at(1).picture, QFileInfo(QStringLiteral("/stages/p/x.svg")).absoluteFilePath());
 

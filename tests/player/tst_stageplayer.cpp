@@ -35,6 +35,9 @@ private slots:
     void init();
     void switchesShowTheCard();
     void unknownSequence();
+    void idleSequence();
+    void switchesAtTheEnd();
+    void waitingSequenceGoesWithItsContent();
     void logDirectory_data();
     void logDirectory();
     void panelLeavesTheStageBeforeThePluginGoes();
@@ -83,7 +86,7 @@ StageFile tst_StagePlayer::stage(const QByteArray &switches)
     return StageFile::fromJson(
         R"({"title": "Test stage", "screens": [{"id": 5, "plugindata": {"switches": [)" + switches
             + R"(]}, "contents": [{"params": {"name": "First"}},
-            {"params": {"name": "Second"}, "card": {"title": "Two"}}]}]})",
+            {"params": {"name": "Second"}, "card": {"title": "Two", "duration": 0.5}}]}]})",
         QStringLiteral("s.json"), &error)
         .value_or(StageFile());
 }
@@ -110,7 +113,8 @@ StageFile tst_StagePlayer::editableStage() const
     QString error;
     return StageFile::fromJson(R"({"title": "Test stage", "author": "kept", "screens": [
             {"id": 5, "plugindata": {"gui": true, "interval": 1000, "switches": [1]}, "contents": [
-                {"params": {"name": "First"}, "note": "kept"}, {"params": {"name": "Second"}}],
+                {"params": {"name": "First"}, "note": "kept"},
+                {"params": {"name": "Second"}, "card": {"duration": 0.5}}],
              "event": [{"type": 2, "direction": 1, "seq": [1, 2]}]},
             {"id": 6, "name": "Door", "event": [{"type": 2, "id": 5, "screenseq": 2}]}]})",
         m_directory->filePath(QStringLiteral("s.json")), &error)
@@ -202,6 +206,60 @@ void tst_StagePlayer::unknownSequence()
             {QStringLiteral("#3  (no such content)"), QStringLiteral("#0  (no such content)"),
                 QStringLiteral("#2147483648  (no such content)")}));
     QCOMPARE(player.scene().shownNumber(), 0);
+}
+
+void tst_StagePlayer::idleSequence()
+{
+    StagePlayer player(stage("1"), 5);
+    player.setRules({Programme::Switching::Now, 1, 200});
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    QSignalSpy changed(&player, &StagePlayer::currentChanged);
+    player.begin(QString());
+    QCOMPARE(player.scene().shownNumber(), 1);
+    QTRY_COMPARE(player.current().number, 2);
+    QTRY_COMPARE(changed.count(), 3);
+    QCOMPARE(player.scene().shownNumber(), 1);
+    QCOMPARE(details(player, PlayerEvent::Play),
+        QStringList({QStringLiteral("#1  First, idle"), QStringLiteral("#1  First, idle")}));
+    QCOMPARE(details(player, PlayerEvent::Switch), QStringList{QStringLiteral("#2  Second")});
+}
+
+void tst_StagePlayer::switchesAtTheEnd()
+{
+    StagePlayer player(stage("1, 0, 1, 0"), 5);
+    player.setRules({Programme::Switching::AtEnd, 0, 0});
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    player.begin(QString());
+    QTRY_COMPARE(details(player, PlayerEvent::Switch).size(), 4);
+    QCOMPARE(player.current().number, 2);
+    QCOMPARE(player.scene().shownNumber(), 2);
+    QTRY_COMPARE(player.current().number, 1);
+    QCOMPARE(player.scene().shownNumber(), 1);
+    const QStringList plays = details(player, PlayerEvent::Play);
+    QCOMPARE(plays.size(), 4);
+    for (int i = 0; i < 3; ++i) // the time differs by a few milliseconds
+        QVERIFY2(plays.at(i).endsWith(QStringLiteral(" s at the end of #2")), qPrintable(plays[i]));
+    QVERIFY(plays.at(0).startsWith(QStringLiteral("#1  First, in 0.")));
+    QVERIFY(plays.at(1).startsWith(QStringLiteral("#2  Second, in 0.")));
+    QCOMPARE(plays.at(3), QStringLiteral("#1  First"));
+}
+
+void tst_StagePlayer::waitingSequenceGoesWithItsContent()
+{
+    StagePlayer player(editableStage(), 5);
+    player.setRules({Programme::Switching::AtEnd, 0, 0});
+    QVERIFY(begin(&player));
+    QVERIFY(
+        QMetaObject::invokeMethod(QPluginLoader(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)).instance(),
+            "contentStarted", Q_ARG(int, 0)));
+    QCOMPARE(details(player, PlayerEvent::Play).size(), 1);
+    QVariantMap screen = pluginData(player)->toMap();
+    screen.insert(QStringLiteral("contents"), QVariantList());
+    *pluginData(player) = screen;
+    announce(player);
+    QTRY_COMPARE(player.current().number, 0);
+    QTest::qWait(600); // the contents' duration
+    QCOMPARE(details(player, PlayerEvent::Play).size(), 1);
 }
 
 void tst_StagePlayer::logDirectory_data()
@@ -460,7 +518,8 @@ void tst_StagePlayer::saved()
         QLatin1String("Stage saved in ") + QDir::toNativeSeparators(fileName));
     const QByteArray expected = R"({"title": "Test stage", "author": "kept", "screens": [
         {"id": 5, "plugindata": {"gui": true, "interval": 500, "switches": [1]}, "contents": [
-            {"params": {"name": "First"}, "note": "kept"}, {"params": {"name": "Second"}},
+            {"params": {"name": "First"}, "note": "kept"},
+            {"params": {"name": "Second"}, "card": {"duration": 0.5}},
             {"type": 8, "name": "New & shiny", "params": {"age-min": 3}}],
          "event": [{"type": 2, "direction": 1, "seq": [1, 2, 3]}]},
         {"id": 6, "name": "Door", "event": [{"type": 2, "id": 5, "screenseq": 2},
