@@ -67,6 +67,8 @@ struct Parser
     QCommandLineOption switching
         = valueOption(QStringLiteral("switch"), QStringLiteral("now|at-end"),
             tr("Start a sequence at once, or when the content before it is over (default: now)."));
+    QCommandLineOption proof = valueOption(QStringLiteral("proof-of-play"), QStringLiteral("FILE"),
+        tr("Append a CSV line to <FILE> for each sequence that has played."));
     QCommandLineOption idle = valueOption(QStringLiteral("idle"), QStringLiteral("N[:SECONDS]"),
         tr("Go back to sequence <N> when nothing has been started for <SECONDS> (default: what the "
            "screen says, 20 seconds); 0: to none."));
@@ -81,7 +83,7 @@ struct Parser
         parser.setApplicationDescription(tr("Plays a stage as the host application does and lets "
                                             "the plug-in choose its sequences."));
         parser.addOptions({headless, seconds, stage, screen, plugin, logDirectory, screenshot,
-            replay, scenario, switching, idle});
+            replay, scenario, switching, idle, proof});
     }
 
     /// The option's value as an absolute path, @p fallback when it is not given.
@@ -195,6 +197,7 @@ Options Options::fromArguments(const QStringList &arguments, const QString &prog
     options.pluginFile = given.path(given.plugin, directory.absoluteFilePath(pluginFileName()));
     options.logDirectory = given.path(given.logDirectory, defaultLogDirectory());
     options.screenshotFile = given.path(given.screenshot);
+    options.proofFile = given.path(given.proof);
     options.replayFile = given.path(given.replay);
     options.scenarioFile = given.path(given.scenario);
     return options;

@@ -24,6 +24,7 @@ struct Options
     QString pluginFile;
     QString logDirectory;
     QString screenshotFile; ///< empty: none
+    QString proofFile; ///< empty: none
     QString replayFile; ///< empty: none
     QString scenarioFile; ///< empty: none
     Programme::Switching switching = Programme::Switching::Now;

@@ -24,6 +24,27 @@ StageContent idleCard(const QString &title)
     return card;
 }
 
+/// As the proof of play has it.
+QString reasonWord(StartReason reason)
+{
+    switch (reason) {
+    case StartReason::Idle:
+        return QStringLiteral("idle");
+    case StartReason::Key:
+        return QStringLiteral("key");
+    case StartReason::Panel:
+        return QStringLiteral("panel");
+    case StartReason::Viewer:
+        break;
+    }
+    return QStringLiteral("viewer");
+}
+
+QDateTime now()
+{
+    return QDateTime::currentDateTime();
+}
+
 } // namespace
 
 StagePlayer::StagePlayer(const Stage::StageFile &stage, int screenId, QObject *parent)
@@ -74,6 +95,11 @@ void StagePlayer::setRules(const Programme::Rules &rules)
     m_playback.dropBehind(m_contents.size());
 }
 
+void StagePlayer::setProofOfPlay(const QString &fileName)
+{
+    m_proof.emplace(fileName);
+}
+
 bool StagePlayer::loadPlugin(const QString &fileName)
 {
     return m_host.load(fileName);
@@ -92,6 +118,9 @@ void StagePlayer::begin(const QString &logDirectory)
     } else {
         note(PlayerEvent::Player, tr("No log directory, so the plug-in writes no log"));
     }
+    if (m_proof)
+        m_proof->open();
+    noteProof();
     m_host.setUp(m_stage, m_screenId, m_logDirectory);
     m_scene.setPanel(m_host.panel());
     m_playback.begin();
@@ -103,6 +132,7 @@ void StagePlayer::end()
     m_ended = true;
     m_host.finish();
     m_playback.end();
+    endProof();
     m_scene.removePanel();
     m_host.shutDown();
 }
@@ -153,7 +183,29 @@ void StagePlayer::play(const Programme::Item &item)
     else if (!m_switching)
         note(PlayerEvent::Play, describe(item.sequence - 1));
     m_scene.showContent(m_current, m_contents.size());
+    if (m_proof)
+        m_proof->start({item.sequence, m_current.name, reasonWord(item.reason)}, now());
+    noteProof();
     emit currentChanged();
+}
+
+void StagePlayer::endProof()
+{
+    if (m_proof)
+        m_proof->end(now());
+    noteProof();
+}
+
+/// Tells of trouble with the file, and of its end, once.
+void StagePlayer::noteProof()
+{
+    const QString problem = m_proof ? m_proof->problem() : QString();
+    if (problem == m_proofProblem)
+        return;
+    m_proofProblem = problem;
+    note(PlayerEvent::Player,
+        problem.isEmpty() ? tr("Proof of play is written again")
+                          : tr("Proof of play not written: %1").arg(problem));
 }
 
 void StagePlayer::notePostponed(const Programme::Item &item)
@@ -257,10 +309,12 @@ void StagePlayer::takeContents()
 
 void StagePlayer::showStage()
 {
-    if (m_current.number > m_contents.size())
+    if (m_current.number > m_contents.size()) {
         m_current = idleCard(m_stage.title());
-    else if (m_current.number > 0)
+        endProof();
+    } else if (m_current.number > 0) {
         m_current = m_contents.at(m_current.number - 1);
+    }
     m_scene.adaptToPanel();
     m_scene.showContent(m_current, m_contents.size());
     emit currentChanged();

@@ -3,6 +3,7 @@
 #include "demo/player/EventLog.h"
 #include "demo/player/Playback.h"
 #include "demo/player/PluginHost.h"
+#include "demo/player/ProofOfPlay.h"
 #include "demo/player/StageContent.h"
 #include "demo/player/StageScene.h"
 #include "demo/stage/StageFile.h"
@@ -15,6 +16,8 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
+
+#include <optional>
 
 namespace Player {
 
@@ -31,7 +34,9 @@ public:
     ~StagePlayer() override; ///< ends playing
 
     bool loadPlugin(const QString &fileName); ///< see PluginHost::load()
-    void setRules(const Programme::Rules &rules); ///< before begin()
+    // Before begin()
+    void setRules(const Programme::Rules &rules);
+    void setProofOfPlay(const QString &fileName); ///< a CSV file of what has played
 
     /// Initialises and starts the plug-in. @p logDirectory is created when missing.
     void begin(const QString &logDirectory);
@@ -62,6 +67,8 @@ private:
     void onContentStarted(int seqIndex);
     void play(const Programme::Item &item);
     void notePostponed(const Programme::Item &item);
+    void endProof();
+    void noteProof();
     void onScreenValuesUpdated(int screenId, const QList<int> &seqIndexList);
     void onContentsRequested(int screenId, const QMap<int, QVariant> &contents);
     bool isPlayed(int screenId);
@@ -83,6 +90,8 @@ private:
     Playback m_playback;
     StageScene m_scene; // goes after the plug-in, whose panel it shows
     PluginHost m_host;
+    std::optional<ProofOfPlay> m_proof;
+    QString m_proofProblem; // last one told
     QByteArray m_savedStage;
     QMap<int, QVariant> m_requestedContents; // by index, not yet added
     bool m_switching = false; // at the signal of the plug-in

@@ -131,6 +131,8 @@ int play(const Order &order)
     tellSimulator(options);
     StagePlayer player(order.stage, order.screenId);
     player.setRules(order.rules);
+    if (!options.proofFile.isEmpty())
+        player.setProofOfPlay(options.proofFile);
     if (!player.loadPlugin(options.pluginFile)) {
         return fail(RunFailure,
             QStringLiteral("%1: %2").arg(options.pluginFile, player.host().errorString()));

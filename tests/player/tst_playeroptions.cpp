@@ -47,6 +47,7 @@ void tst_PlayerOptions::defaults()
     QCOMPARE(options.scenarioFile, QString());
     QVERIFY(options.switching == Programme::Switching::Now);
     QVERIFY(!options.idle);
+    QCOMPARE(options.proofFile, QString());
 }
 
 void tst_PlayerOptions::everything()
@@ -68,6 +69,8 @@ void tst_PlayerOptions::everything()
     QCOMPARE(options.replayFile, here.absoluteFilePath(QStringLiteral("r.txt")));
     QCOMPARE(parse(QStringLiteral(" --scenario s.json")).scenarioFile,
         here.absoluteFilePath(QStringLiteral("s.json")));
+    QCOMPARE(parse(QStringLiteral(" --proof-of-play p.csv")).proofFile,
+        here.absoluteFilePath(QStringLiteral("p.csv")));
     QVERIFY(parse(QStringLiteral(" --switch at-end")).switching == Programme::Switching::AtEnd);
     QVERIFY(parse(QStringLiteral(" --switch=now")).switching == Programme::Switching::Now);
 }
@@ -162,10 +165,10 @@ void tst_PlayerOptions::requests()
 void tst_PlayerOptions::helpNamesEveryOption()
 {
     const QString help = Options::helpText();
-    for (const char *const option :
-        {"--headless", "--seconds <N>", "--stage <FILE>", "--screen <ID>", "--plugin <FILE>",
-            "--log-dir <DIR>", "--screenshot <FILE>", "--replay <FILE>", "--scenario <FILE>",
-            "--switch <now|at-end>", "--idle <N[:SECONDS]>", "--help", "--version"})
+    for (const char *const option : {"--headless", "--seconds <N>", "--stage <FILE>",
+             "--screen <ID>", "--plugin <FILE>", "--log-dir <DIR>", "--screenshot <FILE>",
+             "--replay <FILE>", "--scenario <FILE>", "--switch <now|at-end>",
+             "--idle <N[:SECONDS]>", "--proof-of-play <FILE>", "--help", "--version"})
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 

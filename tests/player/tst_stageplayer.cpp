@@ -5,6 +5,7 @@
 #include "tests/gui/ModalDriver.h"
 
 #include <QAction>
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -38,6 +39,8 @@ private slots:
     void idleSequence();
     void switchesAtTheEnd();
     void waitingSequenceGoesWithItsContent();
+    void proofOfPlay();
+    void proofOfPlayThatIsRefused();
     void logDirectory_data();
     void logDirectory();
     void panelLeavesTheStageBeforeThePluginGoes();
@@ -260,6 +263,53 @@ void tst_StagePlayer::waitingSequenceGoesWithItsContent()
     QTRY_COMPARE(player.current().number, 0);
     QTest::qWait(600); // the contents' duration
     QCOMPARE(details(player, PlayerEvent::Play).size(), 1);
+}
+
+void tst_StagePlayer::proofOfPlay()
+{
+    const QString fileName = m_directory->filePath(QStringLiteral("p.csv"));
+    StagePlayer player(stage("0, 1, 7"), 5);
+    player.setRules({Programme::Switching::Now, 2, 100000});
+    player.setProofOfPlay(fileName);
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    player.begin(QString());
+    QTRY_COMPARE(details(player, PlayerEvent::Switch).size(), 3);
+    player.end();
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    const QStringList lines = text.split(QStringLiteral("\r\n"));
+    QCOMPARE(lines.size(), 5); // the header, three starts and nothing behind the last line end
+    QStringList starts;
+    for (const QString &line : lines.mid(1, 3)) {
+        const QStringList fields = line.split(QLatin1Char(','));
+        QCOMPARE(fields.size(), 5);
+        const QDateTime start = QDateTime::fromString(fields.at(0), Qt::ISODateWithMs);
+        const QDateTime end = QDateTime::fromString(fields.at(3), Qt::ISODateWithMs);
+        QVERIFY2(start.isValid() && start <= end, qUtf8Printable(line));
+        starts << QStringLiteral("%1 %2 %3").arg(fields.at(1), fields.at(2), fields.at(4));
+    }
+    QCOMPARE(starts,
+        QStringList({QStringLiteral("2 Second idle"), QStringLiteral("1 First viewer"),
+            QStringLiteral("2 Second viewer")}));
+}
+
+void tst_StagePlayer::proofOfPlayThatIsRefused()
+{
+    const QString fileName = m_directory->filePath(QStringLiteral("none/file"));
+    StagePlayer player(stage("0, 1, 0"), 5);
+    player.setProofOfPlay(fileName);
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    player.begin(QString());
+    QTRY_COMPARE(details(player, PlayerEvent::Switch).size(), 3);
+    const QString told = QStringLiteral("Proof of play not written: %1: %2");
+    QCOMPARE(details(player, PlayerEvent::Player).filter(QStringLiteral("Proof")),
+        QStringList{told.arg(fileName, systemError())});
+    QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("none")));
+    player.end();
+    QCOMPARE(details(player, PlayerEvent::Player).last(),
+        QStringLiteral("Proof of play is written again"));
+    QVERIFY(QFile::exists(fileName));
 }
 
 void tst_StagePlayer::logDirectory_data()
