@@ -56,16 +56,6 @@ QString timeText(const QTime &time)
     return time.toString(QStringLiteral("HH:mm:ss.zzz"));
 }
 
-QString oneLine(QString text)
-{
-    for (QChar &character : text) {
-        if (character == QChar::LineSeparator || character == QChar::ParagraphSeparator
-            || character.category() == QChar::Other_Control)
-            character = QLatin1Char(' ');
-    }
-    return text;
-}
-
 } // namespace
 
 QString PlayerEvent::line() const

@@ -58,6 +58,8 @@ struct Parser
         tr("Load the plug-in <FILE> (default: KrHvcP2 beside the program)."));
     QCommandLineOption logDirectory = valueOption(QStringLiteral("log-dir"), QStringLiteral("DIR"),
         tr("Let the plug-in write its log below <DIR>, which is created when missing."));
+    QCommandLineOption info = valueOption(QStringLiteral("info"), QStringLiteral("FILE"),
+        tr("Say what the plug-in <FILE> is and why it loads or does not, and end."));
     QCommandLineOption screenshot = valueOption(QStringLiteral("screenshot"),
         QStringLiteral("FILE"), tr("Write what is shown at the end to the picture <FILE>."));
     QCommandLineOption replay = valueOption(QStringLiteral("replay"), QStringLiteral("FILE"),
@@ -83,7 +85,7 @@ struct Parser
         parser.setApplicationDescription(tr("Plays a stage as the host application does and lets "
                                             "the plug-in choose its sequences."));
         parser.addOptions({headless, seconds, stage, screen, plugin, logDirectory, screenshot,
-            replay, scenario, switching, idle, proof});
+            replay, scenario, switching, idle, proof, info});
     }
 
     /// The option's value as an absolute path, @p fallback when it is not given.
@@ -153,6 +155,11 @@ Options Options::fromArguments(const QStringList &arguments, const QString &prog
     if (!parser.positionalArguments().isEmpty())
         return refuse(
             tr("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
+    if (parser.isSet(given.info)) {
+        options.request = ShowInfo;
+        options.infoFile = given.path(given.info);
+        return options;
+    }
     if (parser.isSet(given.seconds)) {
         bool ok = false;
         const double value = parser.value(given.seconds).toDouble(&ok);

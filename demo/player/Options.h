@@ -12,10 +12,11 @@ namespace Player {
 /// What the command line asks for. Paths are absolute.
 struct Options
 {
-    enum Request { Run, ShowHelp, ShowVersion, Refuse };
+    enum Request { Run, ShowHelp, ShowVersion, ShowInfo, Refuse };
 
     Request request = Run;
     QString error; ///< what is wrong, for Refuse
+    QString infoFile; ///< the plug-in file, for ShowInfo
 
     bool headless = false;
     std::optional<int> milliseconds; ///< after which the player ends by itself

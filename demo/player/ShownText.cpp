@@ -9,4 +9,14 @@ QString plainToolTip(const QString &text)
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
+QString oneLine(QString text)
+{
+    for (QChar &character : text) {
+        if (character == QChar::LineSeparator || character == QChar::ParagraphSeparator
+            || character.category() == QChar::Other_Control)
+            character = QLatin1Char(' ');
+    }
+    return text;
+}
+
 } // namespace Player

@@ -8,4 +8,7 @@ namespace Player {
 /// HTML, and a few nested tables take for ever.
 QString plainToolTip(const QString &text);
 
+/// @p text with a blank for each line break and control character.
+QString oneLine(QString text);
+
 } // namespace Player

@@ -1,8 +1,10 @@
 #include "demo/player/MainWindow.h"
 #include "demo/player/Options.h"
 #include "demo/player/Platform.h"
+#include "demo/player/PluginReport.h"
 #include "demo/player/StagePlayer.h"
 #include "demo/player/TerminationNotifier.h"
+#include "demo/support/PluginFile.h"
 #include "demo/support/SimulatorVariables.h"
 #include "demo/support/UserFile.h"
 
@@ -56,6 +58,13 @@ Order refuse(const QString &message)
     return order;
 }
 
+ExitStatus showInfo(const QString &fileName)
+{
+    const Demo::PluginFile plugin = Demo::PluginFile::examine(fileName);
+    out() << pluginReport(plugin);
+    return plugin.problem == Demo::PluginFile::None ? Success : RunFailure;
+}
+
 Order takeOrder(const Options &options)
 {
     Order order;
@@ -69,6 +78,9 @@ Order takeOrder(const Options &options)
         out() << QCoreApplication::applicationName() << QLatin1Char(' ')
               << QCoreApplication::applicationVersion() << QLatin1Char('\n');
         order.exitStatus = Success;
+        return order;
+    case Options::ShowInfo:
+        order.exitStatus = showInfo(options.infoFile);
         return order;
     case Options::Refuse:
         return refuse(options.error);

@@ -1,7 +1,7 @@
+#include "demo/support/ExecutableFormat.h"
 #include "tests/support/Files.h"
 #include "tests/support/SensorProgram.h"
 #include "tests/support/Waiting.h"
-#include "tools/hvcp2/ExecutableFormat.h"
 #include "tools/hvcp2/Finding.h"
 #include "tools/hvcp2/Installation.h"
 
@@ -20,6 +20,7 @@
 #include <memory>
 
 using namespace Hvcp2;
+using Demo::ExecutableFormat;
 using namespace KrTest;
 
 namespace {
@@ -200,8 +201,9 @@ void tst_Hvcp2Check::plugin_data()
 
     QTest::newRow("the plug-in") << KRHVC_PLUGIN_FILE << "OK %1: loads with Qt " QT_VERSION_STR;
     QTest::newRow("nothing") << QString() << "error %1: is not there";
-    QTest::newRow("a program") << KRHVC_STANDIN_FILE << "error %1: does not load: ";
-    QTest::newRow("text") << __FILE__ << "error %1: does not load: ";
+    QTest::newRow("a program") << KRHVC_STANDIN_FILE
+                               << "error %1: does not load: it holds no plug-in of Qt (";
+    QTest::newRow("text") << __FILE__ << "error %1: does not load: it is no library (";
 }
 
 void tst_Hvcp2Check::plugin()

@@ -69,6 +69,8 @@ void tst_PlayerOptions::everything()
     QCOMPARE(options.replayFile, here.absoluteFilePath(QStringLiteral("r.txt")));
     QCOMPARE(parse(QStringLiteral(" --scenario s.json")).scenarioFile,
         here.absoluteFilePath(QStringLiteral("s.json")));
+    QCOMPARE(parse(QStringLiteral(" --info p.so")).infoFile,
+        here.absoluteFilePath(QStringLiteral("p.so")));
     QCOMPARE(parse(QStringLiteral(" --proof-of-play p.csv")).proofFile,
         here.absoluteFilePath(QStringLiteral("p.csv")));
     QVERIFY(parse(QStringLiteral(" --switch at-end")).switching == Programme::Switching::AtEnd);
@@ -151,6 +153,8 @@ void tst_PlayerOptions::requests_data()
     QTest::newRow("--help") << " --help" << int(Options::ShowHelp);
     QTest::newRow("-h among others") << " --headless -h" << int(Options::ShowHelp);
     QTest::newRow("--version") << " --version" << int(Options::ShowVersion);
+    QTest::newRow("--info") << " --info p.so" << int(Options::ShowInfo);
+    QTest::newRow("--info without a file") << " --info" << int(Options::Refuse);
     QTest::newRow("an unknown option beside --help") << " --help --loud" << int(Options::Refuse);
 }
 
@@ -165,10 +169,11 @@ void tst_PlayerOptions::requests()
 void tst_PlayerOptions::helpNamesEveryOption()
 {
     const QString help = Options::helpText();
-    for (const char *const option : {"--headless", "--seconds <N>", "--stage <FILE>",
-             "--screen <ID>", "--plugin <FILE>", "--log-dir <DIR>", "--screenshot <FILE>",
-             "--replay <FILE>", "--scenario <FILE>", "--switch <now|at-end>",
-             "--idle <N[:SECONDS]>", "--proof-of-play <FILE>", "--help", "--version"})
+    for (const char *const option :
+        {"--headless", "--seconds <N>", "--stage <FILE>", "--screen <ID>", "--plugin <FILE>",
+            "--log-dir <DIR>", "--screenshot <FILE>", "--replay <FILE>", "--scenario <FILE>",
+            "--switch <now|at-end>", "--idle <N[:SECONDS]>", "--proof-of-play <FILE>",
+            "--info <FILE>", "--help", "--version"})
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 

@@ -23,6 +23,8 @@ private slots:
     void refused();
     void helpNeedsNoDisplay_data();
     void helpNeedsNoDisplay();
+    void info_data();
+    void info();
     void headlessLines();
     void idleSequence_data();
     void idleSequence();
@@ -193,6 +195,54 @@ void tst_PlayerProgram::helpNeedsNoDisplay()
     QCOMPARE(result.status, 0);
     QVERIFY(result.output.startsWith(start));
     QCOMPARE(result.error, QString());
+}
+
+void tst_PlayerProgram::info_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("start"); // %1: the file
+    QTest::addColumn<QString>("end");
+
+    QTest::newRow("a screen plug-in")
+        << KRHVC_FAKE_PLUGIN_FILE << 0 << "File          %1\nFormat        a "
+        << "Name          FakePlugin\n"
+           "Version       3.2.1\n"
+           "Vendor        Tests\n"
+           "Copyright     None\n"
+           "Description   Pretends to be a screen plug-in.\n"
+           "              Writes down what its host does.\n"
+           "Url           https://example.com/fake\n"
+           "\n"
+           "It loads.\n";
+    QTest::newRow("a plug-in of another kind")
+        << KRHVC_PLAIN_PLUGIN_FILE << 1 << "File          %1\nFormat        a "
+        << "\n"
+           "It does not load: it is a plug-in for something else: com.example.plain/1.0.\n"
+           "The loader says: The file is not a screen plug-in.\n"
+           "Put the plug-in file of this product in its place.\n";
+    QTest::newRow("text") << __FILE__ << 1
+                          << "File          %1\nFormat        no program\n\n"
+                             "It does not load: it is no library.\nThe loader says: "
+                          << "Put the plug-in file of this product in its place.\n";
+    QTest::newRow("nothing") << m_directory.filePath(QStringLiteral("none.so")) << 1
+                             << "File          %1\nIt is not there.\nCopy "
+                             << ".\n";
+}
+
+void tst_PlayerProgram::info()
+{
+    QFETCH(QString, fileName);
+    QFETCH(int, status);
+    QFETCH(QString, start);
+    QFETCH(QString, end);
+
+    const Result result = run({QStringLiteral("--info"), fileName});
+    QCOMPARE(result.error, QString());
+    const QString file = QDir::toNativeSeparators(QFileInfo(fileName).absoluteFilePath());
+    QVERIFY2(result.output.startsWith(start.arg(file)), qUtf8Printable(result.output));
+    QVERIFY2(result.output.endsWith(end), qUtf8Printable(result.output));
+    QCOMPARE(result.status, status);
 }
 
 void tst_PlayerProgram::headlessLines()

@@ -1,19 +1,18 @@
 #include "tools/hvcp2/Installation.h"
 
+#include "demo/support/ExecutableFormat.h"
+#include "demo/support/PluginFile.h"
 #include "demo/support/SimulatorVariables.h"
 #include "log/LockFile.h"
 #include "log/LogFormat.h"
 #include "sensor/KrHvcController.h"
 #include "sensor/ProcessList.h"
-#include "tools/hvcp2/ExecutableFormat.h"
 #include "tools/hvcp2/RecordOptions.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonObject>
-#include <QPluginLoader>
 #include <QSysInfo>
 #include <QTemporaryFile>
 
@@ -21,6 +20,7 @@
 
 namespace Hvcp2 {
 
+using Demo::ExecutableFormat;
 using PluginKrHvcP2::KrHvcController;
 
 namespace LockFile = PluginKrHvcP2::LockFile;
@@ -31,23 +31,13 @@ namespace {
 
 const QString PluginName = QStringLiteral("KrHvcP2"); // of its log folder, too
 const QString LogBaseName = QStringLiteral("KrHvcP2Log");
-const QString InterfaceId = QStringLiteral("com.velmora.kora.plugin.ExtScreenInterface/1.0");
 constexpr qint64 MaxProgramBytes = Q_INT64_C(64) * 1024 * 1024; // that are looked at
 
 #ifdef Q_OS_WIN
 const QString PluginFileName = QStringLiteral("KrHvcP2.dll");
-constexpr ExecutableFormat::System OwnSystem = ExecutableFormat::Windows;
 #else
 const QString PluginFileName = QStringLiteral("KrHvcP2.so");
-constexpr ExecutableFormat::System OwnSystem = ExecutableFormat::Linux;
 #endif
-
-/// "5.15" for what the metadata has as 0x050f00.
-QString qtVersionText(int version)
-{
-    return QStringLiteral("%1.%2").arg(
-        QString::number(version >> 16), QString::number((version >> 8) & 0xff));
-}
 
 /// A file that is to be started: whether it is there and of this system.
 Finding checkProgram(const QString &fileName)
@@ -62,7 +52,8 @@ Finding checkProgram(const QString &fileName)
         return {Finding::Error, name, QStringLiteral("is no file that can be read"),
             QStringLiteral("Put the sensor program in its place.")};
     const ExecutableFormat format = ExecutableFormat::of(file.read(ExecutableFormat::HeaderBytes));
-    if (!format.runsOn(OwnSystem, QSysInfo::currentCpuArchitecture()))
+    const ExecutableFormat::System system = ExecutableFormat::ofThisProgram().system;
+    if (!format.runsOn(system, QSysInfo::currentCpuArchitecture()))
         return {Finding::Error, name,
             QStringLiteral("is %1, which does not run here").arg(format.toText()),
             QStringLiteral("Put the sensor program for this system in its place.")};
@@ -129,30 +120,25 @@ Finding checkLock(const QString &folder)
 
 Findings checkPlugin(const QString &directory)
 {
-    const QFileInfo file(QDir(directory).absoluteFilePath(PluginFileName));
-    if (!file.exists())
-        return {{Finding::Error, PluginFileName, QStringLiteral("is not there"),
-            QStringLiteral("Copy the plug-in file to %1.").arg(file.absolutePath())}};
-    QPluginLoader loader(file.absoluteFilePath());
-    const QJsonObject metaData = loader.metaData();
-    const QString id = metaData.value(QStringLiteral("IID")).toString();
-    if (!metaData.isEmpty() && id != InterfaceId)
-        return {{Finding::Error, PluginFileName,
-            QStringLiteral("is a plug-in for something else: %1").arg(id),
-            QStringLiteral("Put the plug-in file of this product in its place.")}};
-    if (!loader.load())
-        return {{Finding::Error, PluginFileName,
-            QStringLiteral("does not load: %1").arg(loader.errorString()),
-            QStringLiteral("Take the plug-in file that was built by the host's compiler with the"
-                           " host's Qt or an older one, and put the libraries that it misses where"
-                           " the host finds them.")}};
-    return {{Finding::Ok, PluginFileName,
-        QStringLiteral("loads with Qt %1; it was built with Qt %2 (%3)")
-            .arg(QString::fromLatin1(qVersion()),
-                qtVersionText(metaData.value(QStringLiteral("version")).toInt()),
-                metaData.value(QStringLiteral("debug")).toBool() ? QStringLiteral("debug")
-                                                                 : QStringLiteral("release")),
-        QString()}};
+    using Demo::PluginFile;
+    const PluginFile plugin = PluginFile::examine(QDir(directory).absoluteFilePath(PluginFileName));
+    switch (plugin.problem) {
+    case PluginFile::None:
+        return {{Finding::Ok, PluginFileName,
+            QStringLiteral("loads with Qt %1; it was built with Qt %2 (%3)")
+                .arg(QString::fromLatin1(qVersion()), plugin.qtVersion,
+                    plugin.isDebug ? QStringLiteral("debug") : QStringLiteral("release")),
+            QString()}};
+    case PluginFile::Missing:
+    case PluginFile::OtherInterface:
+        return {{Finding::Error, PluginFileName, plugin.reason(), plugin.advice()}};
+    default:
+        break;
+    }
+    QString text = QStringLiteral("does not load: it %1").arg(plugin.reason());
+    if (!text.contains(plugin.message))
+        text += QStringLiteral(" (%1)").arg(plugin.message);
+    return {{Finding::Error, PluginFileName, text, plugin.advice()}};
 }
 
 Findings checkSensorProgram(const QString &directory)

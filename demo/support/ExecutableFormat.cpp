@@ -1,8 +1,9 @@
-#include "tools/hvcp2/ExecutableFormat.h"
+#include "demo/support/ExecutableFormat.h"
 
+#include <QSysInfo>
 #include <QtEndian>
 
-namespace Hvcp2 {
+namespace Demo {
 
 namespace {
 
@@ -72,6 +73,15 @@ ExecutableFormat ExecutableFormat::of(const QByteArray &header)
     return {};
 }
 
+ExecutableFormat ExecutableFormat::ofThisProgram()
+{
+#ifdef Q_OS_WIN
+    return {Windows, QSysInfo::buildCpuArchitecture()};
+#else
+    return {Linux, QSysInfo::buildCpuArchitecture()};
+#endif
+}
+
 bool ExecutableFormat::runsOn(System runner, const QString &machine) const
 {
     if (system == Script)
@@ -97,4 +107,4 @@ QString ExecutableFormat::toText() const
     return QStringLiteral("no program");
 }
 
-} // namespace Hvcp2
+} // namespace Demo

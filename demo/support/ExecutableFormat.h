@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace Hvcp2 {
+namespace Demo {
 
 /// For which system and processor a program is, told from the first bytes of its file.
 struct ExecutableFormat
@@ -16,6 +16,7 @@ struct ExecutableFormat
     static constexpr int HeaderBytes = 4096; ///< that are enough
 
     static ExecutableFormat of(const QByteArray &header);
+    static ExecutableFormat ofThisProgram();
 
     /// Whether a machine with @p processor runs it under @p runner. A script needs a system that
     /// has interpreters for it.
@@ -24,4 +25,4 @@ struct ExecutableFormat
     QString toText() const; ///< for example "a Windows program for x86_64"
 };
 
-} // namespace Hvcp2
+} // namespace Demo
