@@ -1,9 +1,11 @@
 #include "demo/player/MainWindow.h"
 
+#include "demo/player/HostPane.h"
 #include "demo/player/ShownText.h"
 #include "demo/player/StagePlayer.h"
 #include "demo/player/StageView.h"
 #include "host/KrPluginGuiInterface.h"
+#include "host/KrPluginStatus.h"
 
 #include <QAction>
 #include <QApplication>
@@ -96,13 +98,13 @@ int ask(QMessageBox::Icon icon, const QString &title, const QString &text,
 QColor statusColor(int status)
 {
     switch (status) {
-    case 102:
+    case Kora::Status::Started:
         return {0x2f, 0x9e, 0x5b};
-    case 103:
-    case 104:
-    case 109:
+    case Kora::Status::Starting:
+    case Kora::Status::Stopping:
+    case Kora::Status::Initializing:
         return {0xc9, 0x8a, 0x1b};
-    case 101:
+    case Kora::Status::Paused:
         return {0x3a, 0x78, 0xc2};
     default:
         return {0x55, 0x60, 0x6c};
@@ -311,6 +313,7 @@ QWidget *MainWindow::createPane()
     layout->setSpacing(Margin * 2 / 3);
     layout->addWidget(createHeader());
     layout->addWidget(createStatusRow());
+    layout->addWidget(new HostPane(m_player, pane));
     layout->addWidget(createControls());
     layout->addWidget(createEventList(), 1);
     return pane;

@@ -123,6 +123,11 @@ QVariantMap PluginHost::pluginData() const
     return plugin() ? m_plugin->pluginData().toMap() : QVariantMap();
 }
 
+QObject *PluginHost::object() const
+{
+    return plugin() ? m_plugin->object() : nullptr;
+}
+
 QVariantMap PluginHost::params() const
 {
     return plugin() ? m_plugin->params().toMap() : QVariantMap();

@@ -62,6 +62,7 @@ public:
 
     /// The screen's parameter map as the plug-in holds it; its dialogs edit it in place.
     QVariantMap pluginData() const;
+    QObject *object() const; ///< sends the signals; null when the plug-in has gone
     QVariantMap params() const; ///< the settings that the plug-in works with
 
     bool start();

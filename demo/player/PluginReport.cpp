@@ -25,7 +25,7 @@ QString tr(const char *text)
 QString row(const QString &label, const QStringList &value)
 {
     QString text;
-    QString first = oneLine(label).leftJustified(LabelWidth);
+    QString first = oneLine(label).leftJustified(LabelWidth - 1) + QLatin1Char(' ');
     for (const QString &line : value) {
         text += first + oneLine(line) + QLatin1Char('\n');
         first = QString(LabelWidth, QLatin1Char(' '));

@@ -54,6 +54,7 @@ public:
     PluginHost &host() { return m_host; }
     StageScene &scene() { return m_scene; }
     EventLog &log() { return m_log; }
+    const Playback &playback() const { return m_playback; }
 
     /// The playing sequence; number 0 before any.
     const StageContent &current() const { return m_current; }

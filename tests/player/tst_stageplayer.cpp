@@ -45,6 +45,7 @@ private slots:
     void logDirectory();
     void panelLeavesTheStageBeforeThePluginGoes();
     void window();
+    void hostPane();
     void changedSettings();
     void valueOfAnotherType();
     void changedContent();
@@ -387,6 +388,47 @@ void tst_StagePlayer::window()
         QStringList({QStringLiteral("stop"), QStringLiteral("start"), QStringLiteral("pause"),
             QStringLiteral("reload")}));
     player.end();
+}
+
+void tst_StagePlayer::hostPane()
+{
+    QString error;
+    const std::optional<StageFile> linked = StageFile::fromJson(R"({"screens": [
+            {"id": 5, "plugindata": {"switches": [1], "event-sending-limit": 60000}, "contents": [
+                {"params": {"name": "A", "age-min": 1, "age-max": 2, "gender": "both"}},
+                {"params": {"name": "B", "age-min": 1, "age-max": 2, "gender": "both"},
+                 "card": {"duration": 1}}],
+             "event": [{"type": 2, "direction": 1, "seq": [1, 2]}]},
+            {"id": 6, "name": "Door", "event": [{"type": 2, "id": 5, "screenseq": 1}]},
+            {"id": 7, "event": [{"type": 2, "id": 5, "screenseq": 2}]}]})",
+        QStringLiteral("s.json"), &error);
+    QVERIFY2(linked, qUtf8Printable(error));
+    StagePlayer player(*linked, 5);
+    player.setRules({Programme::Switching::AtEnd, 0, 0});
+    MainWindow window(&player);
+    window.show();
+    const auto text = [&window](const char *name) {
+        return window.findChild<QLabel *>(QLatin1String(name))->text();
+    };
+    QCOMPARE(text("heldBack"), QStringLiteral("no screen is linked"));
+    QVERIFY(player.loadPlugin(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    player.begin(QString());
+    QCOMPARE(text("sensorProgram"), QStringLiteral("not known")); // it has none
+    QCOMPARE(text("heldBack"), QStringLiteral("by no screen"));
+    QCOMPARE(text("next"), QStringLiteral("nothing waits"));
+    QTRY_COMPARE(player.current().number, 2);
+    QVERIFY2(text("heldBack").startsWith(QStringLiteral("screen 7 for ")),
+        qUtf8Printable(text("heldBack")));
+    QVERIFY(
+        QMetaObject::invokeMethod(QPluginLoader(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)).instance(),
+            "contentStarted", Q_ARG(int, 0)));
+    QVERIFY2(text("heldBack").contains(QStringLiteral(" s, screen 7 for ")),
+        qUtf8Printable(text("heldBack")));
+    QVERIFY(text("heldBack").startsWith(QStringLiteral("Door for ")));
+    const QString heldBack = text("heldBack");
+    QVERIFY2(text("next").startsWith(QStringLiteral("#1 in ")), qUtf8Printable(text("next")));
+    QTRY_COMPARE(text("next"), QStringLiteral("nothing waits"));
+    QTRY_VERIFY(text("heldBack") != heldBack); // it runs down
 }
 
 void tst_StagePlayer::changedSettings()
