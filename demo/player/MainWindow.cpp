@@ -1,6 +1,7 @@
 #include "demo/player/MainWindow.h"
 
 #include "demo/player/HostPane.h"
+#include "demo/player/SequenceMenu.h"
 #include "demo/player/ShownText.h"
 #include "demo/player/StagePlayer.h"
 #include "demo/player/StageView.h"
@@ -77,11 +78,6 @@ QPalette darkPalette()
     palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
     palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
     return palette;
-}
-
-QString withoutMnemonic(QString text)
-{
-    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 /// Opens a message box, whose text may come from a file and is no HTML; returns the answer.
@@ -196,7 +192,9 @@ void MainWindow::createMenus()
     // Of this, not of the menu above: that one is filled anew.
     m_editMenu = new QMenu(tr("&Edit content"), this);
     m_editMenu->setObjectName(QStringLiteral("editMenu"));
-    for (QWidget *const menu : {file, m_pluginMenu, m_editMenu})
+    QMenu *const sequences = new SequenceMenu(m_player, this);
+    menuBar()->addMenu(sequences);
+    for (QWidget *const menu : {file, m_pluginMenu, m_editMenu, sequences})
         menu->setPalette(darkPalette()); // windows of their own do not inherit it
 }
 

@@ -153,6 +153,12 @@ bool PluginHost::reload()
     return call(QStringLiteral("reload"), &Kora::KrPluginExtScreenInterface::reload);
 }
 
+void PluginHost::requestSequence(int number)
+{
+    if (plugin())
+        m_plugin->requestSequenceNumber(number); // nothing after it: this may have gone
+}
+
 void PluginHost::finish()
 {
     // Pausing leaves the sensor program running, so a paused plug-in is stopped as well.

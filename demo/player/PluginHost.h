@@ -69,6 +69,9 @@ public:
     bool stop();
     bool pause();
     bool reload();
+    /// Asks the plug-in for a sequence, counted from 1, as the buttons of its panel do. It answers
+    /// by contentStarted() unless there is no such sequence or it is held back.
+    void requestSequence(int number);
 
     /// Stops a running plug-in and lets events pass until it says so. Does nothing otherwise.
     void finish();

@@ -9,6 +9,11 @@ QString plainToolTip(const QString &text)
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
+QString withoutMnemonic(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
 QString oneLine(QString text)
 {
     for (QChar &character : text) {

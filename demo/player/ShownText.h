@@ -8,6 +8,9 @@ namespace Player {
 /// HTML, and a few nested tables take for ever.
 QString plainToolTip(const QString &text);
 
+/// @p text for a menu, which takes a "&" for the mark of a key.
+QString withoutMnemonic(QString text);
+
 /// @p text with a blank for each line break and control character.
 QString oneLine(QString text);
 

@@ -127,6 +127,15 @@ void StagePlayer::begin(const QString &logDirectory)
     m_host.start();
 }
 
+void StagePlayer::requestSequence(int number)
+{
+    const QPointer<StagePlayer> guard(this); // a plug-in may run an event loop
+    m_requestedNumber = number;
+    m_host.requestSequence(number);
+    if (guard)
+        m_requestedNumber = 0;
+}
+
 void StagePlayer::end()
 {
     m_ended = true;
@@ -171,8 +180,16 @@ void StagePlayer::onContentStarted(int seqIndex)
     if (seqIndex < 0 || seqIndex >= m_contents.size())
         return;
     m_switching = true;
-    m_playback.request({seqIndex + 1, StartReason::Viewer, m_contents.at(seqIndex).duration});
+    m_playback.request({seqIndex + 1, reasonOf(seqIndex), m_contents.at(seqIndex).duration});
     m_switching = false;
+}
+
+/// The plug-in's signal says nothing about it, but comes while a request is being answered.
+StartReason StagePlayer::reasonOf(int seqIndex) const
+{
+    if (m_requestedNumber == seqIndex + 1)
+        return StartReason::Key;
+    return m_scene.isHandlingClick() ? StartReason::Panel : StartReason::Viewer;
 }
 
 void StagePlayer::play(const Programme::Item &item)

@@ -40,6 +40,7 @@ public:
 
     /// Initialises and starts the plug-in. @p logDirectory is created when missing.
     void begin(const QString &logDirectory);
+    void requestSequence(int number); ///< as PluginHost has it
     void end(); ///< stops the plug-in and deletes it; its sensor program has ended then
 
     /// Writes the stage into @p fileName, which becomes its file. False with the reason in
@@ -66,6 +67,7 @@ signals:
 private:
     void note(PlayerEvent::Kind kind, const QString &details, const QString &signal = {});
     void onContentStarted(int seqIndex);
+    StartReason reasonOf(int seqIndex) const;
     void play(const Programme::Item &item);
     void notePostponed(const Programme::Item &item);
     void endProof();
@@ -95,6 +97,7 @@ private:
     QString m_proofProblem; // last one told
     QByteArray m_savedStage;
     QMap<int, QVariant> m_requestedContents; // by index, not yet added
+    int m_requestedNumber = 0; // of the sequence that is being asked for; 0: none is
     bool m_switching = false; // at the signal of the plug-in
     bool m_editsPending = false;
     bool m_applyingEdits = false;

@@ -3,6 +3,7 @@
 #include "demo/player/CardItem.h"
 #include "host/KrPluginGraphicsItem.h"
 
+#include <QEvent>
 #include <QImage>
 #include <QPainter>
 #include <QPropertyAnimation>
@@ -131,6 +132,18 @@ QRectF StageScene::textArea(const QSizeF &size, bool withPanel)
     const qreal margin = size.height() * 0.08;
     const qreal right = withPanel ? panelArea(size).left() - margin * 0.6 : size.width() - margin;
     return {margin, margin, right - margin, size.height() - 2 * margin};
+}
+
+bool StageScene::event(QEvent *event)
+{
+    if (event->type() != QEvent::GraphicsSceneMouseRelease)
+        return QGraphicsScene::event(event);
+    const QPointer<StageScene> guard(this); // the panel's buttons end in host code
+    ++m_clicks;
+    const bool handled = QGraphicsScene::event(event);
+    if (guard)
+        --m_clicks;
+    return handled;
 }
 
 void StageScene::layOut()

@@ -35,6 +35,7 @@ public:
     void showContent(const StageContent &content, int count);
     int shownNumber() const; ///< of the card that is shown or fading in; -1 before any
 
+    bool isHandlingClick() const { return m_clicks > 0; } ///< an item is at work because of one
     bool isMoving() const; ///< a card fades, or something slides over the panel
     QImage toImage(); ///< the stage in its size
 
@@ -42,6 +43,9 @@ public:
     static QRectF panelArea(const QSizeF &size);
     /// Where a card may put its texts when the panel is shown, or hidden.
     static QRectF textArea(const QSizeF &size, bool withPanel);
+
+protected:
+    bool event(QEvent *event) override;
 
 private:
     void layOut();
@@ -51,6 +55,7 @@ private:
     Kora::KrPluginGraphicsItem *m_panel = nullptr; // not owned
     QPointer<QObject> m_panelObject; // tells that the panel has gone
     CardItem *m_card = nullptr; // owned by the scene
+    int m_clicks = 0; // being handled, one below the other
 };
 
 } // namespace Player

@@ -46,6 +46,8 @@ private slots:
     void panelLeavesTheStageBeforeThePluginGoes();
     void window();
     void hostPane();
+    void numberKeys();
+    void sequenceMenu();
     void changedSettings();
     void valueOfAnotherType();
     void changedContent();
@@ -429,6 +431,65 @@ void tst_StagePlayer::hostPane()
     QVERIFY2(text("next").startsWith(QStringLiteral("#1 in ")), qUtf8Printable(text("next")));
     QTRY_COMPARE(text("next"), QStringLiteral("nothing waits"));
     QTRY_VERIFY(text("heldBack") != heldBack); // it runs down
+}
+
+void tst_StagePlayer::numberKeys()
+{
+    const QString proof = m_directory->filePath(QStringLiteral("p.csv"));
+    StagePlayer player(editableStage(), 5);
+    player.setProofOfPlay(proof);
+    MainWindow window(&player);
+    QVERIFY(begin(&player));
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    for (const int key : {Qt::Key_1, Qt::Key_2, Qt::Key_9, Qt::Key_0})
+        QTest::keyClick(&window, static_cast<Qt::Key>(key));
+    QTest::keyClick(&window, Qt::Key_1, Qt::KeypadModifier);
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("requestSequenceNumber 1"),
+            QStringLiteral("requestSequenceNumber 2"), QStringLiteral("requestSequenceNumber 9"),
+            QStringLiteral("requestSequenceNumber 10"),
+            QStringLiteral("requestSequenceNumber 1")}));
+    QCOMPARE(player.current().number, 1);
+    player.end();
+    QTest::keyClick(&window, Qt::Key_2); // the plug-in has gone
+    QFile file(proof);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QStringList reasons;
+    const QStringList lines
+        = QString::fromUtf8(file.readAll()).trimmed().split(QStringLiteral("\r\n")).mid(1);
+    for (const QString &line : lines)
+        reasons << line.section(QLatin1Char(','), 1, 1) + line.section(QLatin1Char(','), 4);
+    QCOMPARE(reasons,
+        QStringList({QStringLiteral("2viewer"), QStringLiteral("1key"), QStringLiteral("2key"),
+            QStringLiteral("1key")}));
+}
+
+void tst_StagePlayer::sequenceMenu()
+{
+    StagePlayer player(editableStage(), 5);
+    MainWindow window(&player);
+    auto *const menu = window.findChild<QMenu *>(QStringLiteral("sequenceMenu"));
+    const auto texts = [menu] {
+        QStringList list;
+        for (const QAction *const action : menu->actions()) {
+            if (action->isVisible())
+                list << action->text();
+        }
+        return list;
+    };
+    QCOMPARE(texts().size(), 10);
+    QCOMPARE(texts().mid(0, 3),
+        QStringList({QStringLiteral("#1  First"), QStringLiteral("#2  Second"),
+            QStringLiteral("#3  (no such content)")}));
+    QVERIFY(begin(&player));
+    request(player, newContent(2));
+    QTRY_COMPARE(texts().at(2), QStringLiteral("#3  New && shiny"));
+    menu->actions().at(2)->trigger();
+    QCOMPARE(player.current().number, 3);
+    menu->actions().at(19)->trigger();
+    QCOMPARE(calls().last(), QStringLiteral("requestSequenceNumber 20"));
 }
 
 void tst_StagePlayer::changedSettings()

@@ -133,6 +133,12 @@ bool FakePlugin::reload()
     return true;
 }
 
+void FakePlugin::requestSequenceNumber(int number)
+{
+    record(QStringLiteral("requestSequenceNumber %1").arg(number));
+    emit contentStarted(number - 1);
+}
+
 QImage FakePlugin::icon() const
 {
     QImage image(24, 24, QImage::Format_RGB32);

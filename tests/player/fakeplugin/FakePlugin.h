@@ -107,7 +107,7 @@ public:
     bool reload() override;
     void onScreenEntered() override { }
     void onScreenLeft() override { }
-    void requestSequenceNumber(int /*number*/) override { }
+    void requestSequenceNumber(int number) override;
     void requestSequenceIndex(int /*index*/) override { }
     int currentSequenceNumber() const override { return 0; }
     int currentSequenceIndex() const override { return -1; }
