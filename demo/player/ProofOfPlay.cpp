@@ -1,5 +1,6 @@
 #include "demo/player/ProofOfPlay.h"
 
+#include "demo/support/CsvRow.h"
 #include "demo/support/UserFile.h"
 
 #include <QCoreApplication>
@@ -17,24 +18,9 @@ QString tr(const char *text)
     return QCoreApplication::translate("Player::ProofOfPlay", text);
 }
 
-QString csvField(const QString &text)
-{
-    static const QString special = QStringLiteral(",\"\r\n");
-    for (const QChar character : text) {
-        if (special.contains(character)) {
-            return QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\""))
-                + QLatin1Char('"');
-        }
-    }
-    return text;
-}
-
 QByteArray csvLine(const QStringList &fields)
 {
-    QStringList quoted;
-    for (const QString &field : fields)
-        quoted << csvField(field);
-    return quoted.join(QLatin1Char(',')).toUtf8() + LineEnd;
+    return Demo::csvRow(fields).toUtf8() + LineEnd;
 }
 
 /// With the offset from UTC: an hour of each autumn comes twice.
