@@ -70,6 +70,10 @@ private slots:
     void parsedChunks();
     void ranks();
     void restriction();
+    void startsOfAHost_data();
+    void startsOfAHost();
+    void startsOfOthers();
+    void timesOutliveThePlan();
     void facesThatShareNumberAndScore();
     void everyScenario_data();
     void everyScenario();
@@ -148,6 +152,84 @@ void tst_Decider::restriction()
     const DecidedFace inTime = decide(5000);
     QCOMPARE(inTime.outcome, DecidedFace::Sent);
     QCOMPARE(inTime.remainingMs, 0);
+}
+
+void tst_Decider::startsOfAHost_data()
+{
+    QTest::addColumn<QVector<int>>("starts");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<QVector<int>>("left");
+
+    // Two women and a boy in front of a man; three of them may have a sequence.
+    QTest::newRow("none") << QVector<int>{}
+                          << "0:#1 restricted, 1:#2 restricted, 3:#1 restricted, 2:none"
+                          << QVector<int>{};
+    QTest::newRow("one") << QVector<int>{1} << "0:#1 sent, 1:#2 restricted, 3:#1 restricted, 2:none"
+                         << QVector<int>{};
+    QTest::newRow("of both women")
+        << QVector<int>{1, 1} << "0:#1 sent, 1:#2 restricted, 3:#1 sent, 2:none" << QVector<int>{};
+    QTest::newRow("in another order")
+        << QVector<int>{2, 1} << "0:#1 sent, 1:#2 sent, 3:#1 restricted, 2:none" << QVector<int>{};
+    QTest::newRow("of somebody else")
+        << QVector<int>{3, 2, 2} << "0:#1 restricted, 1:#2 sent, 3:#1 restricted, 2:none"
+        << QVector<int>{3, 2};
+}
+
+void tst_Decider::startsOfAHost()
+{
+    QFETCH(QVector<int>, starts);
+    QFETCH(QString, expected);
+    QFETCH(QVector<int>, left);
+
+    Decider decider(plan(3));
+    QVector<SeenStart> seen;
+    for (const int number : qAsConst(starts))
+        seen.append({number, momentMs(0)});
+    const QString text = face(0, 300, 30, "Female") + face(1, 200, 8, "Male")
+        + face(2, 250, 50, "Male") + face(3, 100, 25, "Female");
+    QCOMPARE(summary(decider.decide(text, momentMs(3), &seen)), expected);
+    QVector<int> numbers;
+    for (const SeenStart &start : qAsConst(seen))
+        numbers.append(start.number);
+    QCOMPARE(numbers, left);
+}
+
+/// The times are those of the starts, whatever moved them.
+void tst_Decider::startsOfOthers()
+{
+    Decider decider(plan());
+    const QString woman = face(0, 200, 30, "Female");
+    const auto decide = [&](qint64 ms, QVector<SeenStart> starts) {
+        return decider.decide(woman, momentMs(ms), &starts).faces.at(0);
+    };
+    decider.settle({1, false}, {momentMs(100), momentMs(100)});
+    QCOMPARE(decide(600, {}).remainingMs, 4500);
+    QCOMPARE(decide(5090, {{1, momentMs(5080)}}).outcome, DecidedFace::Sent);
+    const DecidedFace early = decide(5580, {});
+    QCOMPARE(early.outcome, DecidedFace::Restricted);
+    QCOMPARE(early.remainingMs, 4500);
+    // Not decided, because a newer one came: it had nothing to wait for.
+    const DecidedFace late = decide(20000, {});
+    QCOMPARE(late.outcome, DecidedFace::Restricted);
+    QCOMPARE(late.remainingMs, 0);
+    QCOMPARE(decide(20100, {}).remainingMs, 0);
+}
+
+void tst_Decider::timesOutliveThePlan()
+{
+    Decider decider(plan());
+    const QString woman = face(0, 200, 30, "Female");
+    QCOMPARE(summary(decider.decide(woman, momentMs(0))), QStringLiteral("0:#1 sent"));
+
+    // The woman's content is now the second one, which the same screen follows.
+    Plan changed = plan();
+    changed.contents = {{1, 0, 12, Male, false, {3}}, {2, 20, 39, Female, false, {2}}};
+    changed.settings.eventSendingLimit = 3000;
+    decider.setPlan(changed);
+    const Decision decision = decider.decide(woman, momentMs(1000));
+    QCOMPARE(summary(decision), QStringLiteral("0:#2 restricted"));
+    QCOMPARE(decision.faces.at(0).remainingMs, 2000);
+    QCOMPARE(summary(decider.decide(woman, momentMs(3000))), QStringLiteral("0:#2 sent"));
 }
 
 void tst_Decider::facesThatShareNumberAndScore()

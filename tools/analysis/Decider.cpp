@@ -47,11 +47,25 @@ void sort(QVector<DecidedFace> &faces, const QList<CalculatedData> &determined)
 
 } // namespace
 
-Decider::Decider(const Plan &plan)
-    : m_settings(plan.settings)
-    , m_memory(plan.contents)
+/// A frame whose sequences are chosen and not yet requested.
+struct Decider::Candidates
 {
+    Decision decision;
+    int requests = 0; // of the first faces
+    int chosen = 0; // faces with a sequence
+};
+
+Decider::Decider(const Plan &plan)
+    : m_memory(plan.contents)
+{
+    setPlan(plan);
+}
+
+void Decider::setPlan(const Plan &plan)
+{
+    m_settings = plan.settings;
     m_requests.setContents(plan.contents);
+    m_memory.setContents(plan.contents);
 }
 
 Decision Decider::decide(const QString &text, const QDateTime &time)
@@ -73,10 +87,29 @@ Decision Decider::decide(
 Decision Decider::decide(
     const SensorFrame &frame, const Moment &moment, const QVector<LoggedRequest> &logged)
 {
+    Candidates candidates = evaluate(frame, moment.earliest);
+    for (int i = 0; i < candidates.requests; ++i)
+        request(candidates.decision.faces[i], moment, logged.value(i));
+    measureCut(&candidates);
+    return candidates.decision;
+}
+
+Decision Decider::decide(const QString &text, const QDateTime &time, QVector<SeenStart> *starts)
+{
+    Candidates candidates = evaluate(SensorOutputParser::parseUnseen(text, time), time);
+    for (int i = 0; i < candidates.requests; ++i)
+        request(candidates.decision.faces[i], time, starts);
+    measureCut(&candidates);
+    return candidates.decision;
+}
+
+Decider::Candidates Decider::evaluate(const SensorFrame &frame, const QDateTime &time) const
+{
     const Prominence prominence(frame.sizes, frame.directionValues);
 
-    Decision decision;
-    decision.time = moment.earliest;
+    Candidates candidates;
+    Decision &decision = candidates.decision;
+    decision.time = time;
     decision.errorSeen = frame.errorSeen;
     decision.noFace = frame.noFace;
     for (const FaceResult &face : frame.faces)
@@ -85,14 +118,19 @@ Decision Decider::decide(
     const QList<CalculatedData> determined = determineSequences(
         frame.faces, frame.sizes, frame.directionValues, m_requests.contents());
     sort(decision.faces, determined);
-    const int count = std::min(determined.size(), m_settings.concurrent);
-    for (int i = 0; i < count; ++i)
-        request(decision.faces[i], moment, logged.value(i));
-    for (int i = count; i < determined.size(); ++i) {
+    candidates.chosen = determined.size();
+    candidates.requests = std::min(candidates.chosen, m_settings.concurrent);
+    return candidates;
+}
+
+/// How long the faces behind the requests would have had to wait.
+void Decider::measureCut(Candidates *candidates) const
+{
+    Decision &decision = candidates->decision;
+    for (int i = std::max(0, candidates->requests); i < candidates->chosen; ++i) {
         decision.faces[i].remainingMs = m_requests.remainingMs(
-            decision.faces.at(i).sequence, moment.earliest, m_settings.eventSendingLimit);
+            decision.faces.at(i).sequence, decision.time, m_settings.eventSendingLimit);
     }
-    return decision;
 }
 
 void Decider::request(DecidedFace &face, const Moment &moment, const LoggedRequest &logged)
@@ -110,6 +148,23 @@ void Decider::request(DecidedFace &face, const Moment &moment, const LoggedReque
     if (!isRestricted)
         face.remainingMs = 0;
     settle({face.sequence, isRestricted}, moment);
+}
+
+void Decider::request(DecidedFace &face, const QDateTime &time, QVector<SeenStart> *starts)
+{
+    const auto start = std::find_if(starts->begin(), starts->end(),
+        [&face](const SeenStart &seen) { return seen.number == face.sequence; });
+    const bool isRestricted = start == starts->end();
+    if (isRestricted) {
+        face.outcome = DecidedFace::Restricted;
+        face.remainingMs
+            = m_requests.remainingMs(face.sequence, time, m_settings.eventSendingLimit);
+        settle({face.sequence, true}, {time, time});
+        return;
+    }
+    face.outcome = DecidedFace::Sent;
+    settle({face.sequence, false}, {start->time, start->time});
+    starts->erase(start);
 }
 
 void Decider::settle(const LoggedRequest &request, const Moment &moment)

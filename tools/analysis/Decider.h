@@ -65,12 +65,22 @@ struct LoggedRequest
     }
 };
 
+/// A start that a plug-in has asked its host for.
+struct SeenStart
+{
+    int number = 0; ///< of the sequence
+    QDateTime time;
+};
+
 /// Decides frame after frame as the plug-in does for one screen, and remembers when each sequence
 /// was started.
 class Decider
 {
 public:
     explicit Decider(const Plan &plan);
+
+    /// The screen has changed. The times of earlier starts stay, as in the plug-in.
+    void setPlan(const Plan &plan);
 
     /// @p text is one chunk of the sensor program's output, which arrived at @p time.
     Decision decide(const QString &text, const QDateTime &time);
@@ -80,6 +90,9 @@ public:
     /// counts where the times leave open what came of one.
     Decision decide(
         const QString &text, const Moment &moment, const QVector<LoggedRequest> &logged);
+    /// The same for a host, which hears of the starts and not of what was held back: the requests
+    /// take those of @p starts that are theirs, and without one are restricted.
+    Decision decide(const QString &text, const QDateTime &time, QVector<SeenStart> *starts);
 
     /// Takes over a request for viewers of whom nothing is known.
     void settle(const LoggedRequest &request, const Moment &moment);
@@ -87,9 +100,13 @@ public:
     void mayHaveStarted(const QDateTime &latest); ///< likewise
 
 private:
+    struct Candidates;
     Decision decide(const PluginKrHvcP2::SensorFrame &frame, const Moment &moment,
         const QVector<LoggedRequest> &logged);
+    Candidates evaluate(const PluginKrHvcP2::SensorFrame &frame, const QDateTime &time) const;
     void request(DecidedFace &face, const Moment &moment, const LoggedRequest &logged);
+    void request(DecidedFace &face, const QDateTime &time, QVector<SeenStart> *starts);
+    void measureCut(Candidates *candidates) const;
 
     PluginKrHvcP2::ScreenSettings m_settings;
     PluginKrHvcP2::SequenceRequests m_requests; // by the earliest times

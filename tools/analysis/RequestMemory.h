@@ -29,6 +29,9 @@ public:
         : m_contents(contents)
     { }
 
+    /// The times of earlier starts stay: they belong to the screens, not to the contents.
+    void setContents(const PluginKrHvcP2::DetectionContents &contents) { m_contents = contents; }
+
     /// What a request for the sequence @p number comes to when @p limitMs milliseconds have to lie
     /// between two starts. A number that is no content's is admitted, and settles nothing.
     Answer ask(int number, const Moment &moment, int limitMs) const;
