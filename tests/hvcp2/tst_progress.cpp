@@ -1,5 +1,5 @@
+#include "tools/analysis/Words.h"
 #include "tools/hvcp2/Progress.h"
-#include "tools/hvcp2/Words.h"
 
 #include <QtTest>
 
@@ -97,7 +97,7 @@ void tst_Progress::durations_data()
 void tst_Progress::durations()
 {
     QFETCH(qint64, ms);
-    QTEST(durationWord(ms), "expected");
+    QTEST(Analysis::durationWord(ms), "expected");
 }
 
 void tst_Progress::times_data()
@@ -118,7 +118,7 @@ void tst_Progress::times()
 {
     QFETCH(QDateTime, time);
     QFETCH(int, toleranceMs);
-    QTEST(timeWord(time, toleranceMs), "expected");
+    QTEST(Analysis::timeWord(time, toleranceMs), "expected");
 }
 
 QTEST_GUILESS_MAIN(tst_Progress)

@@ -1,15 +1,13 @@
 #include "tools/hvcp2/FrameReport.h"
 
-#include "core/screen/Gender.h"
 #include "detection/SensorOutputParser.h"
+#include "tools/analysis/Bonus.h"
 #include "tools/hvcp2/ConsoleText.h"
 #include "tools/hvcp2/Words.h"
 
 #include <QJsonArray>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 
 namespace Hvcp2 {
 
@@ -24,113 +22,6 @@ constexpr int LeastLabelColumns = 12;
 constexpr int MostLabelColumns = 28;
 constexpr int MaxFailureLines = 5;
 constexpr int Indent = 2;
-
-struct ReasonWords
-{
-    ContentReason reason;
-    const char *word; // in a cell
-    const char *key; // in JSON
-    const char *meaning;
-};
-
-constexpr std::array<ReasonWords, 10> Reasons{{
-    {ContentReason::FullFit, "fits", "fits", "taken: the first that fits gender and age"},
-    {ContentReason::DefaultFit, "default", "default",
-        "taken: the last default of the gender; none fits the age as well"},
-    {ContentReason::AgeFit, "age alone", "age-alone",
-        "taken: the last that fits the age; none is for the gender"},
-    {ContentReason::BehindFullFit, "later", "later-than-first-fit",
-        "not looked at: it comes later than the first that fits"},
-    {ContentReason::BeforeFullFit, "earlier", "before-first-fit",
-        "a default, or right for the age alone; a later one fits"},
-    {ContentReason::NotLastDefault, "not last", "not-last-default", "a later one like it is taken"},
-    {ContentReason::BelowDefault, "below", "below-default",
-        "right for the age alone: a default of the gender goes first"},
-    {ContentReason::NotLastAgeFit, "not last", "not-last-of-age", "a later one like it is taken"},
-    {ContentReason::OtherAge, "age", "age", "for the gender, but for another age"},
-    {ContentReason::OtherGender, "gender", "gender", "for another gender and another age"},
-}};
-
-const ReasonWords &wordsOf(ContentReason reason)
-{
-    return *std::find_if(Reasons.cbegin(), Reasons.cend(),
-        [reason](const ReasonWords &words) { return words.reason == reason; });
-}
-
-bool isTaken(ContentReason reason)
-{
-    return reason == ContentReason::FullFit || reason == ContentReason::DefaultFit
-        || reason == ContentReason::AgeFit;
-}
-
-/// Without what the sum of binary fractions has added.
-double rounded(double number)
-{
-    return std::round(number * 1e6) / 1e6;
-}
-
-/// What a bonus is made of.
-struct Bonus
-{
-    double plain = 0;
-    double genderMark = 0; // on top of that
-    double ageMark = 0; // on top of both
-};
-
-Bonus bonusOf(const DecidedFace &face, const Plan &plan)
-{
-    PluginKrHvcP2::FaceResult unmarked = face.face;
-    if (unmarked.age)
-        unmarked.age->marked = false;
-    const double withGenderMark = matchContent(unmarked, plan.contents).bonus;
-    if (unmarked.gender)
-        unmarked.gender->marked = false;
-    Bonus bonus;
-    bonus.plain = matchContent(unmarked, plan.contents).bonus;
-    bonus.genderMark = rounded(withGenderMark - bonus.plain);
-    bonus.ageMark = rounded(face.evaluation.match.bonus - withGenderMark);
-    return bonus;
-}
-
-QString numberText(double number)
-{
-    return QString::number(number, 'g', 6);
-}
-
-QString bonusText(double bonus)
-{
-    return bonus > 0 ? QLatin1Char('+') + numberText(bonus) : QString();
-}
-
-QString marked(const QString &text, bool isMarked)
-{
-    return isMarked ? text + QLatin1Char('*') : text;
-}
-
-QString genderText(const FaceEvaluation &evaluation)
-{
-    return marked(
-        genderWord(static_cast<PluginKrHvcP2::Gender>(evaluation.gender)), evaluation.genderMarked);
-}
-
-QString ageText(const FaceEvaluation &evaluation)
-{
-    const QString age
-        = evaluation.age < 0 ? QStringLiteral("unknown") : QString::number(evaluation.age);
-    return marked(age, evaluation.ageMarked);
-}
-
-QString directionText(const DecidedFace &face)
-{
-    const int value = face.face.directionValue();
-    return value == PluginKrHvcP2::UnknownDirectionValue ? QStringLiteral("unknown")
-                                                         : QString::number(value);
-}
-
-QString sequenceText(int number)
-{
-    return QLatin1Char('#') + QString::number(number);
-}
 
 /// Of whole seconds a duration is not known better.
 QString heldText(const DecidedFace &face, int toleranceMs)
@@ -191,17 +82,17 @@ void FaceTable::addBlankRow()
 
 void FaceTable::addProminence()
 {
-    addRow(QStringLiteral("Gender"), [](const DecidedFace &f) { return genderText(f.evaluation); });
-    addRow(QStringLiteral("Age"), [](const DecidedFace &f) { return ageText(f.evaluation); });
+    addRow(QStringLiteral("Gender"), [](const DecidedFace &f) { return genderWord(f.evaluation); });
+    addRow(QStringLiteral("Age"), [](const DecidedFace &f) { return ageWord(f.evaluation); });
     addRow(QStringLiteral("Size"),
         [](const DecidedFace &f) { return QString::number(f.face.size()); });
     addRow(QStringLiteral("  place"),
         [](const DecidedFace &f) { return QString::number(f.sizeRank); });
-    addRow(QStringLiteral("Direction"), directionText);
+    addRow(QStringLiteral("Direction"), [](const DecidedFace &f) { return directionWord(f.face); });
     addRow(QStringLiteral("  place"),
         [](const DecidedFace &f) { return QString::number(f.directionRank); });
-    addRow(QStringLiteral("Base score"),
-        [](const DecidedFace &f) { return numberText(f.prominence); });
+    addRow(
+        QStringLiteral("Base score"), [](const DecidedFace &f) { return scoreWord(f.prominence); });
 }
 
 void FaceTable::addContents()
@@ -217,19 +108,20 @@ void FaceTable::addContents()
 void FaceTable::addScore()
 {
     const auto part = [this](double Bonus::*which) {
-        return [this, which](
-                   const DecidedFace &face) { return bonusText(bonusOf(face, m_plan).*which); };
+        return [this, which](const DecidedFace &face) {
+            return bonusWord(bonusOf(face, m_plan.contents).*which);
+        };
     };
     addRowIfAny(QStringLiteral("Bonus"), part(&Bonus::plain));
     addRowIfAny(QStringLiteral("  gender*"), part(&Bonus::genderMark));
     addRowIfAny(QStringLiteral("  age*"), part(&Bonus::ageMark));
-    addRow(QStringLiteral("Score"), [](const DecidedFace &f) { return numberText(f.score()); });
+    addRow(QStringLiteral("Score"), [](const DecidedFace &f) { return scoreWord(f.score()); });
 }
 
 void FaceTable::addOutcome(int toleranceMs)
 {
     addRow(QStringLiteral("Sequence"), [](const DecidedFace &face) {
-        return face.sequence > 0 ? sequenceText(face.sequence) : QStringLiteral("none");
+        return face.sequence > 0 ? sequenceWord(face.sequence) : QStringLiteral("none");
     });
     addRowIfAny(QStringLiteral("Outcome"), [](const DecidedFace &face) {
         return face.sequence > 0 ? outcomeWord(face.outcome) : QString();
@@ -301,9 +193,7 @@ QString reportText(const ReplayedFrame &frame, const Paint &paint)
     }
     if (!frame.decision.faces.isEmpty())
         return text;
-    return text
-        + QLatin1String(frame.decision.noFace ? "The sensor program counted no face.\n\n"
-                                              : "The frame holds no complete face.\n\n");
+    return text + noFaceWord(frame.decision) + QLatin1String("\n\n");
 }
 
 QString facesText(const Plan &plan, const ReplayedFrame &frame, const Paint &paint)
@@ -326,7 +216,7 @@ QString legendText(const Plan &plan, const ReplayedFrame &frame)
         text += QStringLiteral(
             "  place      the higher, the larger, or the straighter: half of that counts\n");
     bool hasMark = false;
-    for (const ReasonWords &words : Reasons) {
+    for (const ContentReasonWords &words : ContentReasons) {
         const QString word = QString::fromLatin1(words.word);
         bool occurs = false;
         for (const DecidedFace &face : frame.decision.faces) {
@@ -348,36 +238,6 @@ QString legendText(const Plan &plan, const ReplayedFrame &frame)
     return text.isEmpty() ? text : text + QLatin1Char('\n');
 }
 
-QString evidenceText(const DecidedFace &face)
-{
-    if (face.evidence == DecidedFace::Times)
-        return {};
-    return QStringLiteral("The times leave open whether %1 was restricted%2.\n")
-        .arg(sequenceText(face.sequence),
-            QLatin1String(face.evidence == DecidedFace::Log ? "; the log tells"
-                                                            : ", and nothing else tells"));
-}
-
-QString sentText(const Plan &plan, const Decision &decision)
-{
-    QStringList sent;
-    QStringList restricted;
-    for (const DecidedFace &face : decision.faces) {
-        if (face.outcome == DecidedFace::Sent)
-            sent << contentWord(plan, face.sequence);
-        else if (face.outcome == DecidedFace::Restricted)
-            restricted << sequenceText(face.sequence);
-    }
-    const QString comma = QStringLiteral(", ");
-    if (!sent.isEmpty())
-        return QLatin1String("Sent: ") + sent.join(comma);
-    if (!restricted.isEmpty()) {
-        restricted.removeDuplicates();
-        return QStringLiteral("Nothing was sent: the restriction held %1 back.")
-            .arg(restricted.join(comma));
-    }
-    return QLatin1String(decision.faces.isEmpty() ? "Nothing was sent: there is no face."
-                                                  : "Nothing was sent: no content fits.");
 }
 
 QString neighboursText(const FrameChoice &choice)
@@ -433,7 +293,7 @@ QJsonArray contentsJson(const Plan &plan, const FaceEvaluation &evaluation)
 QJsonObject faceJson(const Plan &plan, const DecidedFace &face)
 {
     const FaceEvaluation &evaluation = face.evaluation;
-    const Bonus bonus = bonusOf(face, plan);
+    const Bonus bonus = bonusOf(face, plan.contents);
     const int direction = face.face.directionValue();
     const bool hasSequence = face.sequence > 0;
     return {
@@ -483,8 +343,10 @@ QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &pain
     QString text = headingText(plan, frame, paint) + reportText(frame, paint)
         + facesText(plan, frame, paint) + legendText(plan, frame) + settingsWord(plan)
         + QLatin1Char('\n');
-    for (const DecidedFace &face : frame.decision.faces)
-        text += evidenceText(face);
+    for (const DecidedFace &face : frame.decision.faces) {
+        if (face.evidence != DecidedFace::Times)
+            text += evidenceWord(face) + QLatin1Char('\n');
+    }
     if (frame.difference != Difference::None) {
         text
             += paint.warning(QLatin1String("The log says otherwise: ") + requestsWord(frame.logged))
@@ -492,7 +354,8 @@ QString frameText(const Plan &plan, const FrameChoice &choice, const Paint &pain
     }
     if (frame.difference == Difference::Explainable)
         text += QLatin1String("Other starts before or whole seconds can be the reason.\n");
-    const QString sent = wrapped(sentText(plan, frame.decision), 0);
+    const QString sent = wrapped(
+        sentWord(frame.decision, [&plan](int number) { return contentWord(plan, number); }), 0);
     return text + paint.good(sent.trimmed()) + QLatin1Char('\n') + neighboursText(choice);
 }
 

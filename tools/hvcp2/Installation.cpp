@@ -203,7 +203,7 @@ Findings checkContents(const Analysis::Plan &plan)
             continue;
         findings.append(
             {Finding::Error, QStringLiteral("Content ") + contentWord(plan, entry.number),
-                QStringLiteral("takes no part: %1").arg(reasonWord(entry.reason)),
+                QStringLiteral("takes no part: %1").arg(Analysis::reasonWord(entry.reason)),
                 QStringLiteral("See %1:%2: %3: %4")
                     .arg(plan.fileName, QString::number(entry.problem.line),
                         entry.problem.path.toString(), entry.problem.reason)});
