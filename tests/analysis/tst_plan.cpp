@@ -1,5 +1,7 @@
 #include "tools/analysis/Plan.h"
 
+#include "demo/stage/StageFile.h"
+
 #include <QtTest>
 
 using namespace Analysis;
@@ -37,6 +39,7 @@ private slots:
     void refused();
     void problems_data();
     void problems();
+    void stageInMemory();
     void openEventsStandForValidContents();
     void describesTheScreen();
     void shippedStages_data();
@@ -133,6 +136,31 @@ void tst_Plan::problems()
 }
 
 /// What is wrong with the events, not with a content.
+void tst_Plan::stageInMemory()
+{
+    const QByteArray json
+        = linkedStage(R"({"params": {"age-min": 20, "age-max": 29, "gender": "female"}},
+            {"name": "Old", "params": {"age-min": 40, "gender": "female"}})");
+    QString error;
+    std::optional<Stage::StageFile> stage
+        = Stage::StageFile::fromJson(json, QStringLiteral("s.json"), &error);
+    QVERIFY2(stage, qUtf8Printable(error));
+    stage->setScreenParameters(
+        1, {{QStringLiteral("plugindata"), QVariantMap{{QStringLiteral("concurrent"), 3}}}});
+
+    const Plan plan = planOf(*stage, 1);
+    QCOMPARE(plan.fileName, QStringLiteral("s.json"));
+    QCOMPARE(plan.settings.concurrent, 3);
+    QCOMPARE(plan.contents.size(), 1);
+    QCOMPARE(plan.contents.at(0).identifiers, QList<int>{2});
+    QCOMPARE(plan.name(2), QStringLiteral("Old"));
+    const PlannedContent &old = plan.entries.at(1);
+    QCOMPARE(old.reason, EntryReason::NoHighestAge);
+    QCOMPARE(old.problem.message(plan.fileName),
+        QStringLiteral("s.json: screens[0].contents[1].params.age-max: the key is missing"));
+    QVERIFY(planOf(*stage, 7).entries.isEmpty());
+}
+
 void tst_Plan::openEventsStandForValidContents()
 {
     const QByteArray women = R"({"params": {"age-min": 20, "age-max": 29, "gender": "female"}})";

@@ -68,7 +68,8 @@ QString describeGender(const QJsonValue &value)
     return tr(R"(%1 is none of "female", "male" and "both")").arg(inQuotes(text));
 }
 
-/// Says of the entries of one screen why they take no part, and where that stands in the file.
+/// Says of the entries of one screen why they take no part, and where that stands in the file,
+/// unless its text is empty: to find a place takes time.
 class ProblemFinder
 {
 public:
@@ -88,7 +89,7 @@ public:
     JsonProblem find(const PlannedContent &entry)
     {
         JsonProblem problem = describe(entry);
-        if (problem.isSet())
+        if (problem.isSet() && !m_json.isEmpty())
             place(problem, placeOf(entry));
         return problem;
     }
@@ -223,6 +224,39 @@ bool isValid(EntryReason reason)
         || reason == EntryReason::NoLinkingScreen;
 }
 
+/// @p json is the text that @p stage was read from; empty when that is not known.
+Plan planOfScreen(const StageFile &stage, int screenId, const QByteArray &json)
+{
+    Plan plan;
+    plan.fileName = stage.fileName();
+    plan.title = stage.title();
+    plan.screenId = screenId;
+    plan.screenName = stage.screenName(screenId);
+    const QVariantMap parameters = stage.screenParameters(screenId);
+    plan.settings.update(parameters.value(Keys::PluginData).toMap());
+
+    const DetectionTable table = detectionTable(parameters, stage.screens());
+    plan.contents = table.contents;
+    ProblemFinder finder(json, stage, screenId);
+    finder.setValidCount(
+        static_cast<int>(std::count_if(table.reasons.cbegin(), table.reasons.cend(), isValid)));
+    const QJsonArray entries = stage.contents(screenId);
+    for (int i = 0; i < entries.size(); ++i) {
+        const QJsonObject entry = entries.at(i).toObject();
+        PlannedContent planned;
+        planned.number = i + 1;
+        planned.name = Stage::contentName(entry);
+        planned.color = Stage::contentColor(entry, planned.number);
+        planned.reason = table.reasons.at(i);
+        planned.content = planned.takesPart()
+            ? findContent(table.contents, planned.number)
+            : contentForDetection(entry.toVariantMap(), planned.number);
+        planned.problem = finder.find(planned);
+        plan.entries.append(planned);
+    }
+    return plan;
+}
+
 } // namespace
 
 QString Plan::name(int number) const
@@ -243,38 +277,17 @@ std::optional<Plan> planFromJson(
     const std::optional<StageFile> stage = StageFile::fromJson(json, fileName, error);
     if (!stage)
         return std::nullopt;
-    Plan plan;
-    plan.fileName = fileName;
-    plan.title = stage->title();
-    plan.screenId = screenId.value_or(stage->defaultScreenId());
-    if (!stage->hasScreen(plan.screenId)) {
-        *error = tr("%1: there is no screen %2").arg(fileName, QString::number(plan.screenId));
+    const int id = screenId.value_or(stage->defaultScreenId());
+    if (!stage->hasScreen(id)) {
+        *error = tr("%1: there is no screen %2").arg(fileName, QString::number(id));
         return std::nullopt;
     }
-    plan.screenName = stage->screenName(plan.screenId);
-    const QVariantMap parameters = stage->screenParameters(plan.screenId);
-    plan.settings.update(parameters.value(Keys::PluginData).toMap());
+    return planOfScreen(*stage, id, json);
+}
 
-    const DetectionTable table = detectionTable(parameters, stage->screens());
-    plan.contents = table.contents;
-    ProblemFinder finder(json, *stage, plan.screenId);
-    finder.setValidCount(
-        static_cast<int>(std::count_if(table.reasons.cbegin(), table.reasons.cend(), isValid)));
-    const QJsonArray entries = stage->contents(plan.screenId);
-    for (int i = 0; i < entries.size(); ++i) {
-        const QJsonObject entry = entries.at(i).toObject();
-        PlannedContent planned;
-        planned.number = i + 1;
-        planned.name = Stage::contentName(entry);
-        planned.color = Stage::contentColor(entry, planned.number);
-        planned.reason = table.reasons.at(i);
-        planned.content = planned.takesPart()
-            ? findContent(table.contents, planned.number)
-            : contentForDetection(entry.toVariantMap(), planned.number);
-        planned.problem = finder.find(planned);
-        plan.entries.append(planned);
-    }
-    return plan;
+Plan planOf(const StageFile &stage, int screenId)
+{
+    return planOfScreen(stage, screenId, QByteArray());
 }
 
 bool assignSetting(const QString &assignment, ScreenSettings *settings, QString *error)

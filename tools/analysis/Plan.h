@@ -11,6 +11,10 @@
 
 #include <optional>
 
+namespace Stage {
+class StageFile;
+} // namespace Stage
+
 namespace Analysis {
 
 /// One entry of the screen's contents.
@@ -49,6 +53,10 @@ std::optional<Plan> readPlan(const QString &fileName, std::optional<int> screenI
 /// The same for @p json, the text of the file.
 std::optional<Plan> planFromJson(
     const QByteArray &json, const QString &fileName, std::optional<int> screenId, QString *error);
+
+/// The plan of screen @p screenId of a @p stage as it is now, saved or not. The problems of its
+/// entries have no place in a file. Without that screen it is empty.
+Plan planOf(const Stage::StageFile &stage, int screenId);
 
 /// Takes @p assignment over, for example "concurrent=2". False with the reason in @p error for a
 /// key that is no setting and for a value that the plug-in would not take from a host.
