@@ -3,8 +3,10 @@
 #include "demo/player/HostPane.h"
 #include "demo/player/SequenceMenu.h"
 #include "demo/player/ShownText.h"
+#include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
 #include "demo/player/StageView.h"
+#include "demo/player/ViewPane.h"
 #include "host/KrPluginGuiInterface.h"
 #include "host/KrPluginStatus.h"
 
@@ -15,16 +17,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QStatusBar>
 #include <QStyleFactory>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 namespace Player {
@@ -112,6 +111,7 @@ QColor statusColor(int status)
 MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     : QMainWindow(parent)
     , m_player(player)
+    , m_desk(new StageDesk(player, this))
 {
     setPalette(darkPalette());
     createMenus();
@@ -185,6 +185,8 @@ void MainWindow::createMenus()
     connect(add(QStringLiteral("close"), tr("&Close"), tr("Ctrl+Q")), &QAction::triggered, this,
         &QWidget::close);
 
+    m_viewMenu = menuBar()->addMenu(tr("&View"));
+    m_viewMenu->setObjectName(QStringLiteral("viewMenu"));
     // Alt+P belongs to a button.
     m_pluginMenu = menuBar()->addMenu(tr("Plug-&in"));
     m_pluginMenu->setObjectName(QStringLiteral("pluginMenu"));
@@ -194,7 +196,7 @@ void MainWindow::createMenus()
     m_editMenu->setObjectName(QStringLiteral("editMenu"));
     QMenu *const sequences = new SequenceMenu(m_player, this);
     menuBar()->addMenu(sequences);
-    for (QWidget *const menu : {file, m_pluginMenu, m_editMenu, sequences})
+    for (QWidget *const menu : {file, m_viewMenu, m_pluginMenu, m_editMenu, sequences})
         menu->setPalette(darkPalette()); // windows of their own do not inherit it
 }
 
@@ -313,7 +315,9 @@ QWidget *MainWindow::createPane()
     layout->addWidget(createStatusRow());
     layout->addWidget(new HostPane(m_player, pane));
     layout->addWidget(createControls());
-    layout->addWidget(createEventList(), 1);
+    auto *const views = new ViewPane(m_player, m_desk, pane);
+    m_viewMenu->addActions(views->tabActions());
+    layout->addWidget(views, 1);
     return pane;
 }
 
@@ -382,38 +386,6 @@ QWidget *MainWindow::createControls()
     add(QStringLiteral("pause"), tr("&Pause"), &PluginHost::pause);
     add(QStringLiteral("reload"), tr("&Reload"), &PluginHost::reload);
     return row;
-}
-
-QWidget *MainWindow::createEventList()
-{
-    m_events = new QTreeView(this);
-    m_events->setObjectName(QStringLiteral("events"));
-    m_events->setModel(&m_player->log());
-    m_events->setRootIsDecorated(false);
-    m_events->setUniformRowHeights(true);
-    m_events->setAlternatingRowColors(true);
-    m_events->setFrameShape(QFrame::NoFrame);
-    m_events->setFont(scaled(m_events->font(), 0.88, QFont::Normal));
-    QHeaderView *const header = m_events->header();
-    header->setSectionResizeMode(QHeaderView::Interactive);
-    header->setStretchLastSection(true);
-    const QFontMetrics metrics(m_events->font());
-    header->resizeSection(
-        EventLog::TimeColumn, metrics.horizontalAdvance(QStringLiteral("00:00:00.0000")) + 8);
-    header->resizeSection(
-        EventLog::NameColumn, metrics.horizontalAdvance(QStringLiteral("contentStarted")) + 14);
-
-    // Follow the newest event, unless the user has scrolled up to read an older one.
-    // Without this window, whose last widgets still move while it goes.
-    QTreeView *const events = m_events;
-    QScrollBar *const bar = events->verticalScrollBar();
-    connect(&m_player->log(), &EventLog::rowsAboutToBeInserted, events,
-        [events, bar] { events->setProperty("follow", bar->value() >= bar->maximum()); });
-    connect(bar, &QScrollBar::rangeChanged, events, [events, bar](int /*minimum*/, int maximum) {
-        if (events->property("follow").toBool())
-            bar->setValue(maximum);
-    });
-    return m_events;
 }
 
 void MainWindow::showStatus(int status)

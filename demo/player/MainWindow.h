@@ -6,11 +6,10 @@
 class QAction;
 class QLabel;
 class QMenu;
-class QPushButton;
-class QTreeView;
 
 namespace Player {
 
+class StageDesk;
 class StagePlayer;
 
 /// The stage beside a pane with the plug-in's data, the controls and the events, and menus for
@@ -49,12 +48,12 @@ private:
     QWidget *createHeader();
     QWidget *createStatusRow();
     QWidget *createControls();
-    QWidget *createEventList();
     void showStatus(int status);
     void showCurrent();
 
     StagePlayer *m_player; // not owned
     // children of this
+    StageDesk *m_desk;
     QLabel *m_icon = nullptr;
     QLabel *m_name = nullptr;
     QLabel *m_vendor = nullptr;
@@ -62,7 +61,7 @@ private:
     QLabel *m_status = nullptr;
     QLabel *m_current = nullptr;
     QLabel *m_files = nullptr;
-    QTreeView *m_events = nullptr;
+    QMenu *m_viewMenu = nullptr;
     QMenu *m_pluginMenu = nullptr;
     QMenu *m_editMenu = nullptr;
     QList<QAction *> m_editActions; // by sequence index

@@ -96,6 +96,8 @@ void FakePlugin::setPluginData(const QVariant &pluginData)
 bool FakePlugin::init()
 {
     record(QStringLiteral("init"));
+    delete m_controller;
+    m_controller = new FakeController(this);
     m_status = 110;
     return true;
 }
@@ -109,7 +111,18 @@ bool FakePlugin::start()
     const QVariantList switches = m_params.value(QStringLiteral("switches")).toList();
     for (const QVariant &index : switches)
         QTimer::singleShot(0, this, [this, index] { emit contentStarted(index.toInt()); });
+    const QVariantList frames = m_params.value(QStringLiteral("frames")).toList();
+    for (const QVariant &frame : frames)
+        QTimer::singleShot(0, m_controller, [this, frame] { sendFrame(frame.toMap()); });
     return true;
+}
+
+void FakePlugin::sendFrame(const QVariantMap &frame)
+{
+    const QVariant start = frame.value(QStringLiteral("start"));
+    if (start.isValid())
+        emit contentStarted(start.toInt());
+    emit m_controller->dataReceived(frame.value(QStringLiteral("text")).toString());
 }
 
 bool FakePlugin::stop()

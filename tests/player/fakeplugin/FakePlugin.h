@@ -60,9 +60,23 @@ private:
     QAction m_properties;
 };
 
+/// Stands for the object that runs a sensor program.
+class FakeController : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+signals:
+    void dataReceived(const QString &data);
+};
+
 /// Writes every call of its host into the application's property "fakeCalls". The settings
 /// "switches" (list of sequence indices) are sent as soon as it has been started. Stops a moment
 /// after stop() has returned; a setting "refuses" makes start() fail, a setting "gui" gives it one.
+/// So are the sensor program's "frames", one after another: maps of a "text" and, before it, the
+/// index "start" of a sequence.
 class FakePlugin : public QObject, public Kora::KrPluginExtScreenInterface
 {
     Q_OBJECT
@@ -133,7 +147,10 @@ signals:
     // clang-format on
 
 private:
+    void sendFrame(const QVariantMap &frame);
+
     QPointer<FakeGui> m_gui; // owned
+    FakeController *m_controller = nullptr; // child of this; init() makes a new one
     QVariantMap m_params;
     int m_status = 199;
 };

@@ -1,0 +1,90 @@
+#include "demo/player/ViewPane.h"
+
+#include "demo/desk/DecisionView.h"
+#include "demo/player/EventView.h"
+#include "demo/player/StageDesk.h"
+#include "demo/player/StagePlayer.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace Player {
+
+using namespace Desk;
+
+ViewPane::ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent)
+    : QWidget(parent)
+    , m_desk(desk)
+{
+    createPickedBar();
+    m_tabs = new QTabWidget(this);
+    m_tabs->setObjectName(QStringLiteral("views"));
+    m_tabs->setDocumentMode(true);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_pickedBar);
+    layout->addWidget(m_tabs, 1);
+
+    auto *const events = new EventView(&player->log(), this);
+    connect(events, &EventView::picked, desk, &StageDesk::pickFrameOf);
+    auto *const decision = new DecisionView(this);
+    connect(&desk->shown(), &ShownFrame::pickedChanged, decision, &DecisionView::setPicked);
+    addView(events, tr("&Events"));
+    addFrameView(decision, tr("&Decision"));
+    desk->shown().showAgain();
+}
+
+void ViewPane::addView(QWidget *view, const QString &title)
+{
+    m_tabs->addTab(view, title);
+    auto *const action = new QAction(title, this);
+    action->setShortcut(QKeySequence(int(Qt::CTRL) | (int(Qt::Key_0) + m_tabs->count())));
+    connect(action, &QAction::triggered, this, [this, view] {
+        m_tabs->setCurrentWidget(view);
+        view->setFocus();
+    });
+    m_tabActions << action;
+}
+
+/// Adds a view with the slots setPlan(), showFrame() and clear().
+template <typename View>
+void ViewPane::addFrameView(View *view, const QString &title)
+{
+    addView(view, title);
+    connect(&m_desk->shown(), &ShownFrame::planShown, view, &View::setPlan);
+    connect(&m_desk->shown(), &ShownFrame::frameShown, view, &View::showFrame);
+    connect(&m_desk->shown(), &ShownFrame::nothingShown, view, &View::clear);
+}
+
+void ViewPane::createPickedBar()
+{
+    m_pickedBar = new QWidget(this);
+    m_pickedBar->setObjectName(QStringLiteral("pickedBar"));
+    m_picked = new QLabel(m_pickedBar);
+    m_picked->setObjectName(QStringLiteral("picked"));
+    auto *const button = new QPushButton(tr("Back to &now"), m_pickedBar);
+    button->setObjectName(QStringLiteral("follow"));
+    button->setToolTip(tr("Show the newest frame again (Esc)"));
+    button->setShortcut(Qt::Key_Escape);
+    auto *const layout = new QHBoxLayout(m_pickedBar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_picked, 1);
+    layout->addWidget(button);
+    m_pickedBar->hide();
+
+    ShownFrame *const shown = &m_desk->shown();
+    connect(button, &QPushButton::clicked, shown, &ShownFrame::follow);
+    connect(shown, &ShownFrame::pickedChanged, m_pickedBar, &QWidget::setVisible);
+    connect(shown, &ShownFrame::frameShown, this, [this, shown](const SeenFrame &frame) {
+        if (shown->isPicked()) {
+            m_picked->setText(tr("Shown: the frame of %1")
+                                  .arg(frame.decision.time.toString(QStringLiteral("HH:mm:ss"))));
+        }
+    });
+}
+
+} // namespace Player

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "demo/desk/ShownFrame.h"
+
+#include <QList>
+#include <QWidget>
+
+class QAction;
+class QLabel;
+class QTabWidget;
+
+namespace Player {
+
+class StageDesk;
+class StagePlayer;
+
+/// The views beside the stage, a tab for each, which all show the same frame: the newest one, or
+/// one that was picked, and then a bar says so.
+class ViewPane : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Neither @p player nor @p desk is owned.
+    ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent = nullptr);
+
+    QList<QAction *> tabActions() const { return m_tabActions; } ///< one for each tab, with a key
+
+private:
+    void addView(QWidget *view, const QString &title);
+    template <typename View>
+    void addFrameView(View *view, const QString &title);
+    void createPickedBar();
+
+    StageDesk *m_desk; // not owned
+    QList<QAction *> m_tabActions;
+    // children of this
+    QWidget *m_pickedBar = nullptr;
+    QLabel *m_picked = nullptr;
+    QTabWidget *m_tabs = nullptr;
+};
+
+} // namespace Player
