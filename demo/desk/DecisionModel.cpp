@@ -61,6 +61,12 @@ QString nameOf(const Plan &plan, int number)
 QString rowName(DecisionModel::Row row)
 {
     switch (row) {
+    case DecisionModel::Sequence:
+        return DecisionModel::tr("Sequence");
+    case DecisionModel::Outcome:
+        return DecisionModel::tr("Outcome");
+    case DecisionModel::TimeLeft:
+        return DecisionModel::tr("Held for");
     case DecisionModel::Gender:
         return DecisionModel::tr("Gender");
     case DecisionModel::Age:
@@ -83,12 +89,6 @@ QString rowName(DecisionModel::Row row)
         return DecisionModel::tr("Bonus, age*");
     case DecisionModel::Score:
         return DecisionModel::tr("Score");
-    case DecisionModel::Sequence:
-        return DecisionModel::tr("Sequence");
-    case DecisionModel::Outcome:
-        return DecisionModel::tr("Outcome");
-    case DecisionModel::TimeLeft:
-        return DecisionModel::tr("Held for");
     case DecisionModel::Content:
     case DecisionModel::RowKinds:
         break;
@@ -243,6 +243,12 @@ QString DecisionModel::text(int row, int column) const
     const DecidedFace &face = m_frame.decision.faces.at(column);
     const Bonus &bonus = m_bonuses.at(column);
     switch (kindOf(row)) {
+    case Sequence:
+        return face.sequence > 0 ? sequenceWord(face.sequence) : tr("none");
+    case Outcome:
+        return face.sequence > 0 ? shown(outcomeWord(face.outcome)) : QString();
+    case TimeLeft:
+        return timeLeft(face);
     case Gender:
         return shown(genderWord(face.evaluation));
     case Age:
@@ -269,12 +275,6 @@ QString DecisionModel::text(int row, int column) const
         return bonusWord(bonus.ageMark);
     case Score:
         return scoreWord(face.score());
-    case Sequence:
-        return face.sequence > 0 ? sequenceWord(face.sequence) : tr("none");
-    case Outcome:
-        return face.sequence > 0 ? shown(outcomeWord(face.outcome)) : QString();
-    case TimeLeft:
-        return timeLeft(face);
     case RowKinds:
         break;
     }

@@ -11,7 +11,7 @@
 namespace Desk {
 
 /// What the plug-in made of each face of a frame, and why: a column for each face in the order of
-/// the decision, rows for what counts, each content and what came of it.
+/// the decision, rows for what came of it, what counted and each content.
 class DecisionModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -19,6 +19,9 @@ class DecisionModel : public QAbstractTableModel
 public:
     /// What a row tells. Content stands for as many as the plan has entries.
     enum Row {
+        Sequence,
+        Outcome,
+        TimeLeft,
         Gender,
         Age,
         Size,
@@ -31,9 +34,6 @@ public:
         GenderBonus,
         AgeBonus,
         Score,
-        Sequence,
-        Outcome,
-        TimeLeft,
         RowKinds
     };
 

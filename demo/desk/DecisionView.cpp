@@ -109,9 +109,9 @@ void DecisionView::fit()
 {
     const QFontMetrics metrics(m_table->font());
     m_table->horizontalHeader()->setDefaultSectionSize(
-        metrics.horizontalAdvance(QStringLiteral("restricted")) + 4 * Margin);
-    m_table->verticalHeader()->setDefaultSectionSize(metrics.height() + Margin);
-    m_table->verticalHeader()->setMaximumWidth(metrics.averageCharWidth() * 26);
+        metrics.horizontalAdvance(QStringLiteral("restricted")) + 2 * Margin);
+    m_table->verticalHeader()->setDefaultSectionSize(metrics.height() + Margin / 2);
+    m_table->verticalHeader()->setMaximumWidth(metrics.averageCharWidth() * 24);
 }
 
 void DecisionView::refresh()
