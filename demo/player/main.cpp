@@ -120,6 +120,7 @@ void tellSimulator(const Options &options)
 {
     if (options.replayFile.isEmpty() && options.scenarioFile.isEmpty())
         return;
+    setPathVariable(Demo::LiveVariable, QString()); // it would go before the others
     setPathVariable(Demo::ReplayVariable, options.replayFile);
     setPathVariable(Demo::ScenarioVariable, options.scenarioFile);
 }

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include <optional>
+#include <tuple>
 
 namespace Simulation {
 
@@ -18,6 +19,9 @@ constexpr int MaxAge = 120; ///< years
 constexpr int MaxConfidence = 1000;
 } // namespace Sensor
 
+constexpr int MaxSeconds = 86400; ///< a scenario knows no later time
+constexpr int MaxEntries = 10000; ///< of a list of viewers, waypoints, ...
+
 enum class Gender { Unknown, Male, Female };
 
 /// Centre and edge length of a face in the sensor's image, in pixels.
@@ -26,6 +30,11 @@ struct Position
     int x = 800;
     int y = 600;
     int size = 200;
+
+    friend bool operator==(const Position &a, const Position &b)
+    {
+        return std::tie(a.x, a.y, a.size) == std::tie(b.x, b.y, b.size);
+    }
 };
 
 /// Where a face looks, in degrees; all 0 is straight at the sensor.
@@ -34,6 +43,11 @@ struct Direction
     int lr = 0;
     int ud = 0;
     int roll = 0;
+
+    friend bool operator==(const Direction &a, const Direction &b)
+    {
+        return std::tie(a.lr, a.ud, a.roll) == std::tie(b.lr, b.ud, b.roll);
+    }
 };
 
 /// A position at a moment; between two of them the viewer moves in a straight line.
@@ -41,6 +55,11 @@ struct Waypoint
 {
     qint64 atMs = 0;
     Position position;
+
+    friend bool operator==(const Waypoint &a, const Waypoint &b)
+    {
+        return std::tie(a.atMs, a.position) == std::tie(b.atMs, b.position);
+    }
 };
 
 /// The viewer looks elsewhere in [fromMs, toMs).
@@ -50,6 +69,12 @@ struct LookAway
     qint64 toMs = 0;
     Direction direction;
     bool lost = false; ///< turned so far that the sensor finds no face
+
+    friend bool operator==(const LookAway &a, const LookAway &b)
+    {
+        return std::tie(a.fromMs, a.toMs, a.direction, a.lost)
+            == std::tie(b.fromMs, b.toMs, b.direction, b.lost);
+    }
 };
 
 /// How sure the sensor is, 0 to Sensor::MaxConfidence.
@@ -59,6 +84,12 @@ struct Confidence
     int direction = 700;
     int age = 500;
     int gender = 900;
+
+    friend bool operator==(const Confidence &a, const Confidence &b)
+    {
+        return std::tie(a.face, a.direction, a.age, a.gender)
+            == std::tie(b.face, b.direction, b.age, b.gender);
+    }
 };
 
 /// Largest deviation of a reading from the truth, either way; every value in between is as likely.
@@ -71,6 +102,13 @@ struct Noise
     int confidence = 0; ///< all four confidences
     double genderError = 0; ///< share of frames with the other gender, 0 to 1
     double miss = 0; ///< share of frames in which the face is not found, 0 to 1
+
+    friend bool operator==(const Noise &a, const Noise &b)
+    {
+        return std::tie(a.position, a.size, a.direction, a.age, a.confidence, a.genderError, a.miss)
+            == std::tie(
+                b.position, b.size, b.direction, b.age, b.confidence, b.genderError, b.miss);
+    }
 };
 
 /// A person who is before the sensor in [arriveMs, leaveMs).
@@ -88,6 +126,14 @@ struct Viewer
     std::optional<qint64> genderMarkAfterMs;
     Confidence confidence;
     Noise noise;
+
+    friend bool operator==(const Viewer &a, const Viewer &b)
+    {
+        return std::tie(a.arriveMs, a.leaveMs, a.gender, a.age, a.position, a.path, a.direction,
+                   a.lookAway, a.ageMarkAfterMs, a.genderMarkAfterMs, a.confidence, a.noise)
+            == std::tie(b.arriveMs, b.leaveMs, b.gender, b.age, b.position, b.path, b.direction,
+                b.lookAway, b.ageMarkAfterMs, b.genderMarkAfterMs, b.confidence, b.noise);
+    }
 };
 
 /// One kind of misbehaviour over a run of frames.
@@ -107,6 +153,12 @@ struct Fault
     {
         return number >= frame && (frames == 0 || number - frame < frames);
     }
+
+    friend bool operator==(const Fault &a, const Fault &b)
+    {
+        return std::tie(a.kind, a.frame, a.frames, a.status, a.pieces, a.pauseMs, a.lines)
+            == std::tie(b.kind, b.frame, b.frames, b.status, b.pieces, b.pauseMs, b.lines);
+    }
 };
 
 /// Everything that decides what the simulated program does.
@@ -119,6 +171,14 @@ struct Scenario
     int stopDelayMs = 0; ///< between the stop key and the end
     QVector<Viewer> viewers;
     QVector<Fault> faults;
+
+    friend bool operator==(const Scenario &a, const Scenario &b)
+    {
+        return std::tie(a.seed, a.repeatMs, a.absentPorts, a.ignoreStopKey, a.stopDelayMs,
+                   a.viewers, a.faults)
+            == std::tie(b.seed, b.repeatMs, b.absentPorts, b.ignoreStopKey, b.stopDelayMs,
+                b.viewers, b.faults);
+    }
 };
 
 } // namespace Simulation

@@ -1,5 +1,6 @@
 #include "demo/simulator/ScenarioReader.h"
 
+#include "demo/simulator/ScenarioFormat.h"
 #include "demo/support/JsonReader.h"
 
 #include <QFile>
@@ -22,9 +23,7 @@ using Demo::JsonReader;
 
 namespace {
 
-constexpr int MaxSeconds = 86400; // a day
 constexpr int MaxPauseMs = 60 * 1000;
-constexpr int MaxEntries = 10000; // of a list
 constexpr int MaxInt = std::numeric_limits<int>::max();
 
 /// A time of the scenario: seconds in the file, milliseconds here.
@@ -184,19 +183,9 @@ Viewer readViewer(JsonReader &reader, const Viewer &pattern)
     return viewer;
 }
 
-/// What the program prints as garbage when the scenario names no lines: things that a damaged
-/// transmission leaves behind, bytes that are no UTF-8 and a NUL among them.
-QVector<QByteArray> defaultGarbage()
-{
-    return {"Index:", "Index:x\tX:1 Y:2", "Age\tAge:4O Confidence:", "Gender\tGender:male",
-        "Face Direction\tUD:7", "\t \t", QByteArray("\xff\xfe\x00\xc3(", 5), "Failed to execute."};
-}
-
 Fault::Kind readKind(JsonReader &reader)
 {
-    static const QStringList names{QStringLiteral("crash"), QStringLiteral("exit"),
-        QStringLiteral("silence"), QStringLiteral("garbage"), QStringLiteral("pieces"),
-        QStringLiteral("flood"), QStringLiteral("errorOutput"), QStringLiteral("closeOutput")};
+    const QStringList names = faultNames();
     const QString key = QStringLiteral("kind");
     reader.require(key);
     const int kind = names.indexOf(reader.take(key).toString());
@@ -231,10 +220,8 @@ Fault readFault(JsonReader &reader)
         fault.lines = readLines(reader);
         break;
     }
-    if (fault.lines.isEmpty() && fault.kind == Fault::Garbage)
-        fault.lines = defaultGarbage();
-    if (fault.lines.isEmpty() && fault.kind == Fault::ErrorOutput)
-        fault.lines = {"HvcCon: the sensor does not answer"};
+    if (fault.lines.isEmpty())
+        fault.lines = defaultLines(fault.kind);
     return fault;
 }
 
@@ -257,17 +244,42 @@ Scenario readScenario(JsonReader &reader)
     return scenario;
 }
 
-} // namespace
+/// What concerns the program cannot come and go with the viewers.
+void refuseProgramKeys(JsonReader &reader)
+{
+    for (const QString &key : {QStringLiteral("absentPorts"), QStringLiteral("ignoreStopKey"),
+             QStringLiteral("stopDelay"), QStringLiteral("faults")}) {
+        if (reader.contains(key))
+            reader.fail(key, QStringLiteral("has no place in a live file"));
+    }
+}
 
-std::optional<Scenario> parseScenario(const QByteArray &json, const QString &name, QString *error)
+std::optional<Scenario> parse(const QByteArray &json, const QString &name, QString *error,
+    const std::function<Scenario(JsonReader &)> &read)
 {
     Scenario scenario;
-    const JsonProblem problem = Demo::readJson(
-        json, [&scenario](JsonReader &reader) { scenario = readScenario(reader); });
+    const JsonProblem problem
+        = Demo::readJson(json, [&](JsonReader &reader) { scenario = read(reader); });
     if (!problem.isSet())
         return scenario;
     *error = problem.message(name);
     return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Scenario> parseScenario(const QByteArray &json, const QString &name, QString *error)
+{
+    return parse(json, name, error, readScenario);
+}
+
+std::optional<Scenario> parseLiveScenario(
+    const QByteArray &json, const QString &name, QString *error)
+{
+    return parse(json, name, error, [](JsonReader &reader) {
+        refuseProgramKeys(reader);
+        return readScenario(reader);
+    });
 }
 
 QByteArray builtInScenario()

@@ -15,6 +15,10 @@ namespace Simulation {
 /// nothing is returned.
 std::optional<Scenario> parseScenario(const QByteArray &json, const QString &name, QString *error);
 
+/// The same for a scenario that is read while the program runs: it tells of viewers only.
+std::optional<Scenario> parseLiveScenario(
+    const QByteArray &json, const QString &name, QString *error);
+
 /// The JSON text of the scenario that is compiled in.
 QByteArray builtInScenario();
 

@@ -1,4 +1,5 @@
 #include "demo/simulator/FramePlan.h"
+#include "demo/simulator/LiveScenario.h"
 #include "demo/simulator/Platform.h"
 #include "demo/simulator/Recording.h"
 #include "demo/simulator/ScenarioReader.h"
@@ -9,6 +10,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTextStream>
@@ -31,6 +33,7 @@ struct Options
     int intervalMs = 0;
     int frames = 0;
     std::optional<quint32> seed;
+    QString live;
     QString scenario;
     QString replay;
     bool once = false;
@@ -69,6 +72,11 @@ std::optional<Options> parseOptions(const QStringList &arguments)
         QStringLiteral("Baud rate; without effect."), QStringLiteral("speed"));
     parser.addPositionalArgument(QStringLiteral("interval"),
         QStringLiteral("Milliseconds between two frames."), QStringLiteral("interval"));
+    const QCommandLineOption live(QStringLiteral("live"),
+        QStringLiteral(
+            "Play the viewers in FILE, a scenario that is read again whenever it changes."
+            " Without it: the file that KRHVC_LIVE names."),
+        QStringLiteral("FILE"));
     const QCommandLineOption scenario(QStringLiteral("scenario"),
         QStringLiteral("Play the scenario in FILE. Without it: the file that KRHVC_SCENARIO names,"
                        " else \"scenario.json\" beside the program, else a built-in scenario."),
@@ -86,7 +94,7 @@ std::optional<Options> parseOptions(const QStringList &arguments)
         QStringLiteral("frames"), QStringLiteral("End after N frames."), QStringLiteral("N"));
     const QCommandLineOption seed(QStringLiteral("seed"),
         QStringLiteral("Seed of the noise; goes before the scenario's."), QStringLiteral("N"));
-    parser.addOptions({scenario, replay, once, record, frames, seed});
+    parser.addOptions({live, scenario, replay, once, record, frames, seed});
     parser.process(arguments);
 
     const QStringList values = parser.positionalArguments();
@@ -94,8 +102,13 @@ std::optional<Options> parseOptions(const QStringList &arguments)
         printError(QStringLiteral("three arguments are needed: port, speed and interval"));
         return std::nullopt;
     }
-    if (parser.isSet(scenario) && parser.isSet(replay)) {
-        printError(QStringLiteral("--scenario and --replay exclude each other"));
+    QStringList played;
+    for (const QCommandLineOption &option : {live, scenario, replay}) {
+        if (parser.isSet(option))
+            played << QLatin1String("--") + option.names().constFirst();
+    }
+    if (played.size() > 1) {
+        printError(QStringLiteral("%1 and %2 exclude each other").arg(played.at(0), played.at(1)));
         return std::nullopt;
     }
     constexpr int MaxInt = std::numeric_limits<int>::max();
@@ -108,6 +121,7 @@ std::optional<Options> parseOptions(const QStringList &arguments)
     Options options;
     options.port = *port;
     options.intervalMs = *interval;
+    options.live = parser.value(live);
     options.scenario = parser.value(scenario);
     options.replay = parser.value(replay);
     options.once = parser.isSet(once);
@@ -126,7 +140,8 @@ std::optional<Options> parseOptions(const QStringList &arguments)
             return std::nullopt;
     }
     // The plug-in starts the program with the three numbers alone.
-    if (options.scenario.isEmpty() && options.replay.isEmpty()) {
+    if (options.live.isEmpty() && options.scenario.isEmpty() && options.replay.isEmpty()) {
+        options.live = qEnvironmentVariable(Demo::LiveVariable);
         options.replay = qEnvironmentVariable(Demo::ReplayVariable);
         options.scenario = qEnvironmentVariable(Demo::ScenarioVariable);
     }
@@ -195,6 +210,29 @@ int simulate(const Options &options, Session::Settings settings, QFile &recordFi
     });
 }
 
+int simulateLive(const Options &options, const Session::Settings &settings, QFile &recordFile)
+{
+    LiveScenario live(options.live);
+    return Session(settings, recordFile).run([&](qint64 frame) {
+        const QString news = live.update(QDateTime::currentDateTimeUtc());
+        if (!news.isEmpty())
+            printError(news);
+        Scenario scenario = live.scenario();
+        if (options.seed)
+            scenario.seed = *options.seed;
+        return planFrame(scenario, frame, options.intervalMs);
+    });
+}
+
+int play(const Options &options, const Session::Settings &settings, QFile &recordFile)
+{
+    if (!options.live.isEmpty())
+        return simulateLive(options, settings, recordFile);
+    if (!options.replay.isEmpty())
+        return replay(options, settings, recordFile);
+    return simulate(options, settings, recordFile);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -218,6 +256,5 @@ int main(int argc, char *argv[])
                        .arg(options->record, recordFile.errorString()));
         return BadInput;
     }
-    return options->replay.isEmpty() ? simulate(*options, settings, recordFile)
-                                     : replay(*options, settings, recordFile);
+    return play(*options, settings, recordFile);
 }

@@ -171,7 +171,7 @@ qint64 JsonReader::wholeNumber(
 JsonProblem readJson(const QByteArray &json, const std::function<void(JsonReader &)> &read)
 {
     JsonProblem problem;
-    problem.reason = UserFile::sizeObjection(json, MaxJsonMebibytes);
+    problem.reason = UserFile::sizeObjection(json.size(), MaxJsonMebibytes);
     if (problem.isSet())
         return problem;
 

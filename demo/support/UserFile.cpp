@@ -1,5 +1,7 @@
 #include "demo/support/UserFile.h"
 
+#include "demo/support/SharedFile.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -30,10 +32,10 @@ QString objection(const QString &fileName)
     return isNoFile(fileName) ? tr("is not a file") : QString();
 }
 
-QString sizeObjection(const QByteArray &content, int maxMebibytes)
+QString sizeObjection(qint64 bytes, int maxMebibytes)
 {
-    return content.size() > maxMebibytes * Mebibyte ? tr("is larger than %1 MiB").arg(maxMebibytes)
-                                                    : QString();
+    return bytes > maxMebibytes * Mebibyte ? tr("is larger than %1 MiB").arg(maxMebibytes)
+                                           : QString();
 }
 
 std::optional<QByteArray> read(const QString &fileName, int maxMebibytes, QString *error)
@@ -42,11 +44,14 @@ std::optional<QByteArray> read(const QString &fileName, int maxMebibytes, QStrin
     QByteArray content;
     if (reason.isEmpty()) {
         QFile file(fileName);
-        if (file.open(QIODevice::ReadOnly)) {
-            content = file.read(maxMebibytes * Mebibyte + 1);
-            reason = sizeObjection(content, maxMebibytes);
+        QString whyNot;
+        if (!openShared(file, &whyNot)) {
+            reason = tr("cannot be read: %1").arg(whyNot);
+        } else if (file.size() > maxMebibytes * Mebibyte) {
+            reason = sizeObjection(file.size(), maxMebibytes);
         } else {
-            reason = tr("cannot be read: %1").arg(file.errorString());
+            content = file.read(maxMebibytes * Mebibyte + 1); // it may have grown
+            reason = sizeObjection(content.size(), maxMebibytes);
         }
     }
     if (reason.isEmpty())

@@ -41,8 +41,8 @@ private slots:
     void seed();
     void builtInScenario();
     void scenarioBesideTheProgram();
-    void scenarioOfTheEnvironment();
-    void commandLineGoesBeforeEnvironment();
+    void whatIsPlayed_data();
+    void whatIsPlayed();
     void replayOnce();
     void replayBeginsAnew();
     void recordingIsReplayed();
@@ -88,8 +88,8 @@ void tst_Simulator::init()
     m_process = std::make_unique<QProcess>();
     m_process->setProgram(QStringLiteral(KRHVC_SIMULATOR_FILE));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("KRHVC_SCENARIO"));
-    environment.remove(QStringLiteral("KRHVC_REPLAY"));
+    for (const char *kind : {"LIVE", "REPLAY", "SCENARIO"})
+        environment.remove(QLatin1String("KRHVC_") + QLatin1String(kind));
     m_process->setProcessEnvironment(environment);
 }
 
@@ -318,24 +318,77 @@ void tst_Simulator::scenarioBesideTheProgram()
     QVERIFY(QFile::remove(scenario));
 }
 
-void tst_Simulator::scenarioOfTheEnvironment()
+/// Each thing to play has one viewer, whose age tells which it is.
+void tst_Simulator::whatIsPlayed_data()
 {
-    QProcessEnvironment environment = m_process->processEnvironment();
-    environment.insert(QStringLiteral("KRHVC_SCENARIO"),
-        write(QStringLiteral("e.json"), R"({ "faults": [{ "kind": "exit", "status": 6 }] })"));
-    m_process->setProcessEnvironment(environment);
-    start({});
-    VERIFY_ENDED(6);
+    QTest::addColumn<QString>("options"); // without file names
+    QTest::addColumn<QString>("variables"); // likewise
+    QTest::addColumn<bool>("beside"); // a scenario beside the program
+    QTest::addColumn<QByteArray>("expected");
+
+    const auto row = [](const char *name, const char *options, const char *variables, bool beside,
+                         const char *expected) {
+        QTest::newRow(name) << QString::fromLatin1(options) << QString::fromLatin1(variables)
+                            << beside << QByteArray(expected);
+    };
+    const char *const all = "LIVE REPLAY SCENARIO";
+    row("nothing is said", "", "", false, "Age:27"); // the first of the built-in one
+    row("nothing is said, one beside the program", "", "", true, "Age:7");
+    row("the scenario of the environment", "", "SCENARIO", true, "Age:6");
+    row("the recording of the environment", "", "REPLAY", true, "Age:5");
+    row("the recording before the scenario", "", "REPLAY SCENARIO", true, "Age:5");
+    row("the live file of the environment", "", "LIVE", true, "Age:4");
+    row("the live file before the scenario", "", "LIVE SCENARIO", true, "Age:4");
+    row("the live file before the recording", "", "LIVE REPLAY", true, "Age:4");
+    row("the live file before all", "", all, true, "Age:4");
+    row("a live file", "live", "", true, "Age:1");
+    row("a live file before the environment", "live", all, true, "Age:1");
+    row("a recording", "replay", "", true, "Age:2");
+    row("a recording before the environment", "replay", all, true, "Age:2");
+    row("a scenario", "scenario", "", true, "Age:3");
+    row("a scenario before the environment", "scenario", all, true, "Age:3");
 }
 
-void tst_Simulator::commandLineGoesBeforeEnvironment()
+void tst_Simulator::whatIsPlayed()
 {
+    QFETCH(QString, options);
+    QFETCH(QString, variables);
+    QFETCH(bool, beside);
+    QFETCH(QByteArray, expected);
+
+    const auto file = [this](const QByteArray &kind, int age) {
+        const QByteArray text = kind.toLower().startsWith("replay")
+            ? QByteArrayLiteral("Face result count:1\nAge\tAge:%1 Confidence:1\n")
+            : QByteArrayLiteral(R"({ "viewers": [{ "age": %1 }] })");
+        return write(
+            QString::fromLatin1(kind), QByteArray(text).replace("%1", QByteArray::number(age)));
+    };
+    QStringList arguments{QStringLiteral("--frames"), QStringLiteral("1")};
     QProcessEnvironment environment = m_process->processEnvironment();
-    environment.insert(QStringLiteral("KRHVC_SCENARIO"), QStringLiteral("missing"));
-    environment.insert(QStringLiteral("KRHVC_REPLAY"), QStringLiteral("missing"));
+    int age = 0;
+    for (const char *kind : {"live", "replay", "scenario"}) {
+        ++age;
+        if (options == QLatin1String(kind))
+            arguments << QLatin1String("--") + options << file(kind, age);
+    }
+    for (const char *kind : {"LIVE", "REPLAY", "SCENARIO"}) {
+        ++age;
+        if (variables.split(QLatin1Char(' ')).contains(QLatin1String(kind)))
+            environment.insert(QLatin1String("KRHVC_") + QLatin1String(kind),
+                file(kind + QByteArray("-variable"), age));
+    }
     m_process->setProcessEnvironment(environment);
-    startScenario(R"({ "faults": [{ "kind": "exit", "status": 4 }] })");
-    VERIFY_ENDED(4);
+    const QTemporaryDir dir;
+    if (beside) {
+        const QString program = dir.filePath(QFileInfo(m_process->program()).fileName());
+        QVERIFY(QFile::copy(m_process->program(), program));
+        QVERIFY(QFile::copy(file("beside", ++age), dir.filePath(QStringLiteral("scenario.json"))));
+        m_process->setProgram(program);
+    }
+    start(arguments);
+    VERIFY_ENDED(0);
+    QVERIFY2(output().contains('\t' + expected + ' '), output().constData());
+    QCOMPARE(m_process->readAllStandardError(), QByteArray());
 }
 
 void tst_Simulator::replayOnce()
@@ -518,6 +571,12 @@ void tst_Simulator::badCommandLine_data()
         "--seed must be a whole number from 0 to 4294967295, not \"4294967296\"");
     row("two things to play", "3 921600 500 --scenario a --replay b",
         "--scenario and --replay exclude each other");
+    row("a live file and a scenario", "3 921600 500 --scenario a --live b",
+        "--live and --scenario exclude each other");
+    row("a live file and a recording", "3 921600 500 --live a --replay b",
+        "--live and --replay exclude each other");
+    row("three things to play", "3 921600 500 --replay a --scenario b --live c",
+        "--live and --scenario exclude each other");
 }
 
 void tst_Simulator::badCommandLine()
