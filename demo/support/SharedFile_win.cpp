@@ -10,11 +10,20 @@ namespace Demo {
 
 namespace {
 
+QString nativeName(const QString &name)
+{
+    return QDir::toNativeSeparators(name);
+}
+
+const wchar_t *wide(const QString &text)
+{
+    return reinterpret_cast<const wchar_t *>(text.utf16());
+}
+
 /// A descriptor of the file that lets others rename, remove and replace it; -1 when there is none.
 int sharedDescriptor(const QString &name)
 {
-    const QString native = QDir::toNativeSeparators(name);
-    HANDLE handle = CreateFileW(reinterpret_cast<const wchar_t *>(native.utf16()), GENERIC_READ,
+    HANDLE handle = CreateFileW(wide(nativeName(name)), GENERIC_READ,
         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
         FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE)
@@ -41,6 +50,14 @@ bool openShared(QFile &file, QString *error)
     if (!opened)
         *error = file.errorString();
     return opened;
+}
+
+bool renameOver(const QString &from, const QString &to, QString *error)
+{
+    if (MoveFileExW(wide(nativeName(from)), wide(nativeName(to)), MOVEFILE_REPLACE_EXISTING) != 0)
+        return true;
+    *error = qt_error_string(static_cast<int>(GetLastError()));
+    return false;
 }
 
 } // namespace Demo
