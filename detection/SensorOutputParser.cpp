@@ -91,7 +91,7 @@ bool readConfidence(QStringView token, std::optional<int> &confidence)
 
 /// Reads the lines of one chunk, with a table or, for somebody who shows nothing, without one.
 /// Which of both is settled when it is compiled: each piece of the table would ask.
-template <bool hasTable>
+template <bool makesTable>
 class FrameReader
 {
 public:
@@ -118,16 +118,16 @@ private:
     SensorFrame m_frame;
 };
 
-template <bool hasTable>
-FrameReader<hasTable>::FrameReader(const QString &chunk, const QDateTime &time)
+template <bool makesTable>
+FrameReader<makesTable>::FrameReader(const QString &chunk, const QDateTime &time)
     : m_chunk(chunk)
     , m_time(time)
 { }
 
-template <bool hasTable>
-SensorFrame FrameReader<hasTable>::read()
+template <bool makesTable>
+SensorFrame FrameReader<makesTable>::read()
 {
-    if constexpr (hasTable)
+    if constexpr (makesTable)
         m_frame.html.reserve(m_chunk.size() * TypicalHtmlGrowth + LeastHtmlSize);
     put(u"<table>");
     Pieces lines(m_chunk, u'\n');
@@ -137,17 +137,17 @@ SensorFrame FrameReader<hasTable>::read()
     return std::move(m_frame);
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::put(QStringView text)
+template <bool makesTable>
+void FrameReader<makesTable>::put(QStringView text)
 {
-    if constexpr (hasTable)
+    if constexpr (makesTable)
         m_frame.html.append(text.data(), static_cast<int>(text.size()));
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putNumber(QStringView before, int number, QStringView behind)
+template <bool makesTable>
+void FrameReader<makesTable>::putNumber(QStringView before, int number, QStringView behind)
 {
-    if constexpr (hasTable) {
+    if constexpr (makesTable) {
         std::array<char, 16> digits{};
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
         put(before);
@@ -156,8 +156,8 @@ void FrameReader<hasTable>::putNumber(QStringView before, int number, QStringVie
     }
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::readLine(QStringView line)
+template <bool makesTable>
+void FrameReader<makesTable>::readLine(QStringView line)
 {
     if (isEndPrompt(line)) {
         m_face.reset();
@@ -178,7 +178,7 @@ void FrameReader<hasTable>::readLine(QStringView line)
         closesFace = startsWith(trimmed, u"Gender");
     }
     put(u"</tr>");
-    if constexpr (hasTable) {
+    if constexpr (makesTable) {
         if (contains(trimmed, u'<'))
             m_frame.markup += m_frame.html.midRef(rowStart);
     }
@@ -186,8 +186,8 @@ void FrameReader<hasTable>::readLine(QStringView line)
         closeFace();
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putErrorCell(QStringView line)
+template <bool makesTable>
+void FrameReader<makesTable>::putErrorCell(QStringView line)
 {
     m_frame.errorSeen = true;
     put(u"<td><span style=\"color:red;font-weight:bold;\">");
@@ -198,8 +198,8 @@ void FrameReader<hasTable>::putErrorCell(QStringView line)
     put(u"</span></td>");
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putFaceCountCell(QStringView line)
+template <bool makesTable>
+void FrameReader<makesTable>::putFaceCountCell(QStringView line)
 {
     const QStringView count = tokenValue(line);
     const bool isNobody = !count.isEmpty() && toNumber(count).value_or(0) < 1;
@@ -210,8 +210,8 @@ void FrameReader<hasTable>::putFaceCountCell(QStringView line)
     put(u"</span></td>");
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putResultCells(QStringView line)
+template <bool makesTable>
+void FrameReader<makesTable>::putResultCells(QStringView line)
 {
     Pieces fields(line, u'\t');
     const QStringView label = fields.next();
@@ -240,8 +240,8 @@ void FrameReader<hasTable>::putResultCells(QStringView line)
     put(u"</td>");
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putIndexCells(QStringView line, QStringView label, QStringView values)
+template <bool makesTable>
+void FrameReader<makesTable>::putIndexCells(QStringView line, QStringView label, QStringView values)
 {
     const std::optional<int> index = valueNumber(tokenValue(label));
     if (!index) {
@@ -271,8 +271,8 @@ void FrameReader<hasTable>::putIndexCells(QStringView line, QStringView label, Q
         m_face.box = {{*x, *y, *size}, confidence.value_or(0), false};
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putAge(QStringView values, bool marked)
+template <bool makesTable>
+void FrameReader<makesTable>::putAge(QStringView values, bool marked)
 {
     std::optional<int> age;
     std::optional<int> confidence;
@@ -289,8 +289,8 @@ void FrameReader<hasTable>::putAge(QStringView values, bool marked)
         m_face.age = {*age, confidence.value_or(0), marked};
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putGender(QStringView values, bool marked)
+template <bool makesTable>
+void FrameReader<makesTable>::putGender(QStringView values, bool marked)
 {
     int gender = UnknownGender;
     std::optional<int> confidence;
@@ -313,8 +313,8 @@ void FrameReader<hasTable>::putGender(QStringView values, bool marked)
         m_face.gender = {gender, confidence.value_or(0), marked};
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::putDirection(QStringView values)
+template <bool makesTable>
+void FrameReader<makesTable>::putDirection(QStringView values)
 {
     FaceAngles angles;
     std::optional<int> confidence;
@@ -337,8 +337,8 @@ void FrameReader<hasTable>::putDirection(QStringView values)
     m_face.angles = {angles, confidence.value_or(0), false};
 }
 
-template <bool hasTable>
-void FrameReader<hasTable>::closeFace()
+template <bool makesTable>
+void FrameReader<makesTable>::closeFace()
 {
     put(u"<tr><td></td></tr>");
     if (m_face.index >= 0 && m_face.hasItems()) {

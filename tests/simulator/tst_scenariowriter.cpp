@@ -48,21 +48,24 @@ public:
         Scenario scenario;
         scenario.seed = m_generator.generate();
         scenario.repeatMs = time();
-        scenario.absentPorts = list<int>([this] { return upTo(1000); });
+        scenario.absentPorts = list<int>([this] { return atMost(1000); });
         scenario.ignoreStopKey = coin();
-        scenario.stopDelayMs = upTo(60000);
+        scenario.stopDelayMs = atMost(60000);
         scenario.viewers = list<Viewer>([this] { return viewer(); });
         scenario.faults = list<Fault>([this] { return fault(); });
         return scenario;
     }
 
 private:
-    int upTo(int max) { return m_generator.bounded(max + 1); }
-    bool coin() { return upTo(1) == 1; }
-    int angle() { return upTo(360) - 180; }
+    int atMost(int max) { return m_generator.bounded(max + 1); }
+    bool coin() { return atMost(1) == 1; }
+    int angle() { return atMost(360) - 180; }
     double share() { return m_generator.generateDouble(); }
 
-    qint64 time() { return coin() ? upTo(MaxSeconds) * Q_INT64_C(1000) : upTo(MaxSeconds * 1000); }
+    qint64 time()
+    {
+        return coin() ? atMost(MaxSeconds) * Q_INT64_C(1000) : atMost(MaxSeconds * 1000);
+    }
     std::optional<qint64> optionalTime()
     {
         return coin() ? std::make_optional(time()) : std::nullopt;
@@ -72,19 +75,19 @@ private:
     QVector<T> list(const Make &make)
     {
         QVector<T> values;
-        for (int left = upTo(3); left > 0; --left)
+        for (int left = atMost(3); left > 0; --left)
             values.append(make());
         return values;
     }
 
-    Position position() { return {upTo(Sensor::MaxX), upTo(Sensor::MaxY), 1 + upTo(1199)}; }
+    Position position() { return {atMost(Sensor::MaxX), atMost(Sensor::MaxY), 1 + atMost(1199)}; }
     Direction direction() { return {angle(), angle(), angle()}; }
 
     QVector<Waypoint> path()
     {
-        qint64 atMs = upTo(1000);
+        qint64 atMs = atMost(1000);
         return list<Waypoint>([&] {
-            atMs += 1 + upTo(20000);
+            atMs += 1 + atMost(20000);
             // What is as before is written by its absence.
             return Waypoint{atMs, coin() ? position() : Position()};
         });
@@ -92,19 +95,19 @@ private:
 
     LookAway glance()
     {
-        const qint64 fromMs = upTo(1000000);
-        return {fromMs, fromMs + 1 + upTo(5000), coin() ? direction() : Direction(), coin()};
+        const qint64 fromMs = atMost(1000000);
+        return {fromMs, fromMs + 1 + atMost(5000), coin() ? direction() : Direction(), coin()};
     }
 
     Viewer viewer()
     {
         Viewer viewer;
-        viewer.arriveMs = upTo(MaxSeconds * 500);
+        viewer.arriveMs = atMost(MaxSeconds * 500);
         if (coin())
-            viewer.leaveMs = viewer.arriveMs + 1 + upTo(100000);
-        viewer.gender = static_cast<Gender>(upTo(2));
+            viewer.leaveMs = viewer.arriveMs + 1 + atMost(100000);
+        viewer.gender = static_cast<Gender>(atMost(2));
         if (coin())
-            viewer.age = upTo(Sensor::MaxAge);
+            viewer.age = atMost(Sensor::MaxAge);
         if (coin())
             viewer.position = position();
         viewer.path = path();
@@ -114,26 +117,26 @@ private:
         viewer.ageMarkAfterMs = optionalTime();
         viewer.genderMarkAfterMs = optionalTime();
         if (coin())
-            viewer.confidence = {upTo(1000), upTo(1000), upTo(1000), upTo(1000)};
+            viewer.confidence = {atMost(1000), atMost(1000), atMost(1000), atMost(1000)};
         if (coin())
-            viewer.noise
-                = {upTo(1599), upTo(1200), upTo(180), upTo(120), upTo(1000), share(), share()};
+            viewer.noise = {atMost(1599), atMost(1200), atMost(180), atMost(120), atMost(1000),
+                share(), share()};
         return viewer;
     }
 
     Fault fault()
     {
         Fault fault;
-        fault.kind = static_cast<Fault::Kind>(upTo(Fault::CloseOutput));
-        fault.frame = upTo(100000);
+        fault.kind = static_cast<Fault::Kind>(atMost(Fault::CloseOutput));
+        fault.frame = atMost(100000);
         if (fault.kind != Fault::Crash && fault.kind != Fault::Exit
             && fault.kind != Fault::CloseOutput)
-            fault.frames = upTo(1000);
+            fault.frames = atMost(1000);
         if (fault.kind == Fault::Exit)
-            fault.status = upTo(255);
+            fault.status = atMost(255);
         if (fault.kind == Fault::Pieces) {
-            fault.pieces = 2 + upTo(9998);
-            fault.pauseMs = upTo(60000);
+            fault.pieces = 2 + atMost(9998);
+            fault.pauseMs = atMost(60000);
         }
         fault.lines = defaultLines(fault.kind);
         if (!fault.lines.isEmpty() && coin())
