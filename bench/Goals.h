@@ -12,5 +12,6 @@ void measureGrowth(Report &report); ///< P5: of the costs with what there is to 
 void measurePopulation(Report &report); ///< P6: of the panel with messages
 void measureHeartbeat(Report &report); ///< P7: of the GUI thread while the log is locked
 void measureMemory(Report &report); ///< P8: after many frames
+void measureReading(Report &report); ///< P9: of a log, for its totals
 
 } // namespace Bench

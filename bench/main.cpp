@@ -29,6 +29,7 @@ constexpr Measurement Measurements[] = {
     {"P6", &measurePopulation},
     {"P7", &measureHeartbeat},
     {"P8", &measureMemory},
+    {"P9", &measureReading},
 };
 
 QStringList goalsOf(const Measurement &measurement)
