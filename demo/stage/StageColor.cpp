@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace Stage {
 
@@ -214,6 +215,20 @@ std::optional<StageColor> fromName(QString name)
     return fromRgb(it->rgb);
 }
 
+// Where black and white are equally far from a colour, by the contrast ratio of WCAG 2.
+constexpr double MiddleLuminance = 0.179;
+
+double linear(int part)
+{
+    const double value = part / 255.0;
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const StageColor &color)
+{
+    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
+}
+
 } // namespace
 
 QString StageColor::name() const
@@ -225,6 +240,12 @@ QString StageColor::name() const
 std::optional<StageColor> colorFromText(const QString &text)
 {
     return text.startsWith(QLatin1Char('#')) ? fromDigits(text.mid(1)) : fromName(text);
+}
+
+StageColor inkOn(const StageColor &background)
+{
+    return luminance(background) > MiddleLuminance ? StageColor{0, 0, 0}
+                                                   : StageColor{255, 255, 255};
 }
 
 StageColor contentColor(const QJsonObject &entry, int number)

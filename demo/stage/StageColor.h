@@ -24,6 +24,9 @@ struct StageColor
 /// What QColor says, for programs that do without Qt Gui.
 std::optional<StageColor> colorFromText(const QString &text);
 
+/// Black or white, whichever is read more easily on @p background.
+StageColor inkOn(const StageColor &background);
+
 /// The colour of @p entry, sequence @p number of its screen: the one of its card, else one of eight
 /// that take turns.
 StageColor contentColor(const QJsonObject &entry, int number);

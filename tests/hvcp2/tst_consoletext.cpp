@@ -20,8 +20,6 @@ private slots:
     void wrappedText();
     void table();
     void paint();
-    void ink_data();
-    void ink();
 };
 
 void tst_ConsoleText::printableText_data()
@@ -140,34 +138,6 @@ void tst_ConsoleText::paint()
     QCOMPARE(Paint(Paint::Basic).warning(text), QStringLiteral("\x1b[31mtext\x1b[0m"));
     QCOMPARE(Paint(Paint::Full).on(gold, text),
         QStringLiteral("\x1b[48;2;255;215;0;38;2;0;0;0mtext\x1b[0m"));
-}
-
-void tst_ConsoleText::ink_data()
-{
-    QTest::addColumn<QString>("background");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("white") << "white"
-                           << "#000000";
-    QTest::newRow("black") << "black"
-                           << "#ffffff";
-    QTest::newRow("a light colour") << "gold"
-                                    << "#000000";
-    QTest::newRow("a dark colour") << "navy"
-                                   << "#ffffff";
-    QTest::newRow("just lighter than the middle") << "#767676"
-                                                  << "#000000";
-    QTest::newRow("just darker than the middle") << "#747474"
-                                                 << "#ffffff";
-}
-
-void tst_ConsoleText::ink()
-{
-    QFETCH(QString, background);
-    QFETCH(QString, expected);
-    const std::optional<Stage::StageColor> color = Stage::colorFromText(background);
-    QVERIFY(color);
-    QCOMPARE(inkOn(*color).name(), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ConsoleText)

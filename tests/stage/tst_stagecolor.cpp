@@ -41,6 +41,8 @@ private slots:
     void allNames();
     void anyTexts();
     void name();
+    void ink_data();
+    void ink();
     void ofContent_data();
     void ofContent();
 };
@@ -105,6 +107,34 @@ void tst_StageColor::name()
 {
     QCOMPARE(StageColor().name(), QStringLiteral("#000000"));
     QCOMPARE((StageColor{1, 32, 255, 7}.name()), QStringLiteral("#0120ff"));
+}
+
+void tst_StageColor::ink_data()
+{
+    QTest::addColumn<QString>("background");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("white") << "white"
+                           << "#000000";
+    QTest::newRow("black") << "black"
+                           << "#ffffff";
+    QTest::newRow("a light colour") << "gold"
+                                    << "#000000";
+    QTest::newRow("a dark colour") << "navy"
+                                   << "#ffffff";
+    QTest::newRow("just lighter than the middle") << "#767676"
+                                                  << "#000000";
+    QTest::newRow("just darker than the middle") << "#747474"
+                                                 << "#ffffff";
+}
+
+void tst_StageColor::ink()
+{
+    QFETCH(QString, background);
+    QFETCH(QString, expected);
+    const std::optional<StageColor> color = colorFromText(background);
+    QVERIFY(color);
+    QCOMPARE(inkOn(*color).name(), expected);
 }
 
 void tst_StageColor::ofContent_data()

@@ -1,10 +1,10 @@
 #include "tools/hvcp2/CoverageSvg.h"
 
 #include "core/screen/Gender.h"
+#include "demo/stage/StageColor.h"
 #include "tools/hvcp2/ConsoleText.h"
 #include "tools/hvcp2/CoverageReport.h"
 #include "tools/hvcp2/Markup.h"
-#include "tools/hvcp2/Paint.h"
 #include "tools/hvcp2/Words.h"
 
 namespace Hvcp2 {

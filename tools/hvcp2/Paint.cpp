@@ -1,26 +1,10 @@
 #include "tools/hvcp2/Paint.h"
 
-#include <cmath>
-
 namespace Hvcp2 {
 
 using Stage::StageColor;
 
 namespace {
-
-// Where black and white are equally far from a colour, by the contrast ratio of WCAG 2.
-constexpr double MiddleLuminance = 0.179;
-
-double linear(int part)
-{
-    const double value = part / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double luminance(const StageColor &color)
-{
-    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
-}
 
 QString partsOf(const StageColor &color)
 {
@@ -29,12 +13,6 @@ QString partsOf(const StageColor &color)
 }
 
 } // namespace
-
-StageColor inkOn(const StageColor &background)
-{
-    return luminance(background) > MiddleLuminance ? StageColor{0, 0, 0}
-                                                   : StageColor{255, 255, 255};
-}
 
 QString Paint::heading(const QString &text) const
 {

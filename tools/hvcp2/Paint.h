@@ -6,9 +6,6 @@
 
 namespace Hvcp2 {
 
-/// Black or white, whichever is read more easily on @p background.
-Stage::StageColor inkOn(const Stage::StageColor &background);
-
 /// Colours for a terminal; texts stay as they are where there is none.
 class Paint
 {
