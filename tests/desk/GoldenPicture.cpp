@@ -16,7 +16,6 @@ bool differ(QRgb a, QRgb b, int channel)
         || qAbs(qBlue(a) - qBlue(b)) > channel;
 }
 
-<<<<<<< HEAD
 /// A few of its colours: less than any tolerance away from it, and a small file.
 QImage coarse(QImage image)
 {
@@ -27,8 +26,6 @@ QImage coarse(QImage image)
     return image;
 }
 
-=======
->>>>>>> 5412869 (desk: Show who gets which content, and whom the sensor sees)
 /// @p actual in the dark, with the pixels that differ in white.
 QImage differences(const QImage &actual, const QImage &expected, int channel)
 {
@@ -96,11 +93,7 @@ void compareWithGoldenPicture(
     if (share <= tolerance.share)
         return;
     if (qEnvironmentVariableIsSet("KRHVC_RENEW_GOLDEN")) {
-<<<<<<< HEAD
         QVERIFY(coarse(actual).save(fileName, nullptr, 0)); // as small as it can be
-=======
-        QVERIFY(actual.save(fileName, nullptr, 0)); // as small as it can be
->>>>>>> 5412869 (desk: Show who gets which content, and whom the sensor sees)
         QSKIP("The golden picture was renewed.");
     }
     const QString kept = keepPictures(actual, expected, name, tolerance.channel);
