@@ -5,6 +5,7 @@
 #include "demo/player/ShownText.h"
 #include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
+#include "demo/player/StageTimeline.h"
 #include "demo/player/StageView.h"
 #include "demo/player/ViewPane.h"
 #include "host/KrPluginGuiInterface.h"
@@ -30,7 +31,7 @@ namespace Player {
 
 namespace {
 
-constexpr int PaneWidth = 380;
+constexpr int PaneWidth = 440;
 constexpr int Margin = 14;
 constexpr int EditMessageTimeout = 10000; // ms
 
@@ -119,9 +120,12 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     auto *const layout = new QHBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(new StageView(&player->scene(), central), 1);
-    layout->addWidget(createPane());
+    m_stagePart = createStagePart();
+    layout->addWidget(m_stagePart, 1);
+    m_pane = createPane();
+    layout->addWidget(m_pane);
     setCentralWidget(central);
+    createLargeAction();
 
     m_files = createLabel(QStringLiteral("files"), this);
     makeFaint(m_files);
@@ -139,7 +143,7 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     showStatus(player->host().status());
     showCurrent();
     showStage();
-    resize(1480, 642 + menuBar()->sizeHint().height()); // the stage fills its side
+    resize(1480, 700 + menuBar()->sizeHint().height()); // the stage fills its side
 }
 
 void MainWindow::applyTheme()
@@ -230,7 +234,8 @@ void MainWindow::showStage()
         if (i == m_editActions.size()) {
             m_editActions << m_editMenu->addAction(QString());
             m_editActions.last()->setObjectName(QStringLiteral("edit%1").arg(i + 1));
-            connect(m_editActions.last(), &QAction::triggered, this, [this, i] { editContent(i); });
+            connect(
+                m_editActions.last(), &QAction::triggered, this, [this, i] { editFromMenu(i); });
         }
         m_editActions.at(i)->setText(
             tr("Edit content #%1  %2")
@@ -252,14 +257,19 @@ void MainWindow::showFiles()
                              logs.isEmpty() ? tr("none") : QDir::toNativeSeparators(logs))));
 }
 
-void MainWindow::editContent(int index)
+void MainWindow::editFromMenu(int index)
 {
-    Kora::KrPluginGuiInterface *const gui = m_player->host().gui();
-    if (!gui)
-        return;
     QRect anchor = m_editMenu->actionGeometry(m_editActions.at(index));
     anchor.moveTopLeft(m_editMenu->mapToGlobal(anchor.topLeft()));
-    gui->execContentPropertyDialog(index, anchor); // nothing after it: this may have gone
+    editContent(index, anchor); // nothing after it: this may have gone
+}
+
+/// The dialog appears beside @p anchor, a place on the screen.
+void MainWindow::editContent(int index, const QRect &anchor)
+{
+    Kora::KrPluginGuiInterface *const gui = m_player->host().gui();
+    if (gui && gui->canEditContents() && index < m_player->contents().size())
+        gui->execContentPropertyDialog(index, anchor); // nothing after it: this may have gone
 }
 
 bool MainWindow::save()
@@ -304,6 +314,33 @@ bool MainWindow::mayClose()
     return answer == QMessageBox::Discard;
 }
 
+QWidget *MainWindow::createStagePart()
+{
+    auto *const part = new QWidget(this);
+    auto *const layout = new QVBoxLayout(part);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(new StageView(&m_player->scene(), part), 1);
+    layout->addWidget(createTimeline(m_player, m_desk, part));
+    return part;
+}
+
+/// The views take the place of the stage as well.
+void MainWindow::createLargeAction()
+{
+    m_viewMenu->addSeparator();
+    QAction *const large = m_viewMenu->addAction(tr("&Large"));
+    large->setObjectName(QStringLiteral("large"));
+    large->setShortcut(Qt::Key_F11);
+    large->setCheckable(true);
+    connect(large, &QAction::toggled, this, [this](bool isLarge) {
+        m_stagePart->setVisible(!isLarge);
+        m_controlPart->setVisible(!isLarge);
+        m_pane->setMinimumWidth(isLarge ? 0 : PaneWidth);
+        m_pane->setMaximumWidth(isLarge ? QWIDGETSIZE_MAX : PaneWidth);
+    });
+}
+
 QWidget *MainWindow::createPane()
 {
     auto *const pane = new QWidget(this);
@@ -311,14 +348,37 @@ QWidget *MainWindow::createPane()
     auto *const layout = new QVBoxLayout(pane);
     layout->setContentsMargins(Margin, Margin, Margin, Margin / 2);
     layout->setSpacing(Margin * 2 / 3);
+    m_controlPart = createControlPart();
+    layout->addWidget(m_controlPart);
+    layout->addWidget(createViews(), 1);
+    return pane;
+}
+
+QWidget *MainWindow::createControlPart()
+{
+    auto *const part = new QWidget(this);
+    auto *const layout = new QVBoxLayout(part);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Margin * 2 / 3);
     layout->addWidget(createHeader());
     layout->addWidget(createStatusRow());
-    layout->addWidget(new HostPane(m_player, pane));
+    layout->addWidget(new HostPane(m_player, part));
     layout->addWidget(createControls());
-    auto *const views = new ViewPane(m_player, m_desk, pane);
+    return part;
+}
+
+QWidget *MainWindow::createViews()
+{
+    auto *const views = new ViewPane(m_player, m_desk, this);
     m_viewMenu->addActions(views->tabActions());
-    layout->addWidget(views, 1);
-    return pane;
+    // Queued: the dialog runs events, in which the view may go that has sent this.
+    connect(
+        views, &ViewPane::contentActivated, this,
+        [this, views](int number) {
+            editContent(number - 1, {views->mapToGlobal(QPoint()), views->size()});
+        },
+        Qt::QueuedConnection);
+    return views;
 }
 
 QWidget *MainWindow::createHeader()

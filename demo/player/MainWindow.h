@@ -6,6 +6,7 @@
 class QAction;
 class QLabel;
 class QMenu;
+class QRect;
 
 namespace Player {
 
@@ -39,12 +40,17 @@ private:
     void fillPluginMenu();
     void showStage();
     void showFiles();
-    void editContent(int index);
+    void editFromMenu(int index);
+    void editContent(int index, const QRect &anchor);
     bool save();
     bool saveAs();
     bool saveInto(const QString &fileName);
     bool mayClose();
+    void createLargeAction();
+    QWidget *createStagePart();
     QWidget *createPane();
+    QWidget *createControlPart();
+    QWidget *createViews();
     QWidget *createHeader();
     QWidget *createStatusRow();
     QWidget *createControls();
@@ -61,6 +67,9 @@ private:
     QLabel *m_status = nullptr;
     QLabel *m_current = nullptr;
     QLabel *m_files = nullptr;
+    QWidget *m_stagePart = nullptr;
+    QWidget *m_pane = nullptr;
+    QWidget *m_controlPart = nullptr;
     QMenu *m_viewMenu = nullptr;
     QMenu *m_pluginMenu = nullptr;
     QMenu *m_editMenu = nullptr;

@@ -35,7 +35,12 @@ StageDesk::StageDesk(StagePlayer *player, QObject *parent)
 
 bool StageDesk::pickFrameOf(const PlayerEvent &event)
 {
-    const auto frame = m_history.nearest(lastTime(event.time), PickToleranceMs);
+    return pickFrameAt(lastTime(event.time));
+}
+
+bool StageDesk::pickFrameAt(const QDateTime &time)
+{
+    const auto frame = m_history.nearest(time, PickToleranceMs);
     if (frame)
         m_shown.pick(*frame);
     return frame.has_value();

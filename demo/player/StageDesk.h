@@ -27,6 +27,7 @@ public:
 
     /// Shows the frame that came with @p event. False when none is kept of that time.
     bool pickFrameOf(const PlayerEvent &event);
+    bool pickFrameAt(const QDateTime &time); ///< likewise
 
 private:
     void onCalled(const QString &operation);

@@ -1,6 +1,8 @@
 #include "demo/player/ViewPane.h"
 
+#include "demo/desk/CoverageView.h"
 #include "demo/desk/DecisionView.h"
+#include "demo/desk/SensorView.h"
 #include "demo/player/EventView.h"
 #include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
@@ -31,11 +33,43 @@ ViewPane::ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent)
 
     auto *const events = new EventView(&player->log(), this);
     connect(events, &EventView::picked, desk, &StageDesk::pickFrameOf);
-    auto *const decision = new DecisionView(this);
-    connect(&desk->shown(), &ShownFrame::pickedChanged, decision, &DecisionView::setPicked);
     addView(events, tr("&Events"));
-    addFrameView(decision, tr("&Decision"));
+    addSensorView();
+    addDecisionView();
+    addCoverageView();
     desk->shown().showAgain();
+}
+
+void ViewPane::addSensorView()
+{
+    auto *const view = new SensorView(this);
+    view->setObjectName(QStringLiteral("sensor"));
+    addFrameView(view, tr("&Sensor"));
+    m_tabs->setCurrentWidget(view); // whoever sees this for the first time looks before he reads
+    const auto showState = [this, view] {
+        view->setState({m_desk->history().plan().settings.interval, m_desk->sensor().restarts(),
+            !m_desk->shown().isPicked()});
+    };
+    connect(&m_desk->history(), &FrameHistory::planChanged, view, showState);
+    connect(&m_desk->sensor(), &PluginFrames::programStarted, view, showState);
+    connect(&m_desk->sensor(), &PluginFrames::programStopped, view, showState);
+    connect(&m_desk->shown(), &ShownFrame::pickedChanged, view, showState);
+    showState();
+}
+
+void ViewPane::addDecisionView()
+{
+    auto *const view = new DecisionView(this);
+    connect(&m_desk->shown(), &ShownFrame::pickedChanged, view, &DecisionView::setPicked);
+    addFrameView(view, tr("&Decision"));
+}
+
+void ViewPane::addCoverageView()
+{
+    auto *const view = new CoverageView(this);
+    view->setObjectName(QStringLiteral("coverage"));
+    addFrameView(view, tr("&Coverage"));
+    connect(view, &CoverageView::contentActivated, this, &ViewPane::contentActivated);
 }
 
 void ViewPane::addView(QWidget *view, const QString &title)

@@ -26,11 +26,17 @@ public:
 
     QList<QAction *> tabActions() const { return m_tabActions; } ///< one for each tab, with a key
 
+signals:
+    void contentActivated(int number); ///< somebody wants to see or edit it; counted from 1
+
 private:
     void addView(QWidget *view, const QString &title);
     template <typename View>
     void addFrameView(View *view, const QString &title);
     void createPickedBar();
+    void addSensorView();
+    void addDecisionView();
+    void addCoverageView();
 
     StageDesk *m_desk; // not owned
     QList<QAction *> m_tabActions;

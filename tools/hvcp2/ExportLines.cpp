@@ -1,7 +1,7 @@
 #include "tools/hvcp2/ExportLines.h"
 
 #include "tools/analysis/ReportText.h"
-#include "tools/analysis/Words.h"
+#include "tools/hvcp2/Words.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

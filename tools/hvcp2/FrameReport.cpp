@@ -238,8 +238,6 @@ QString legendText(const Plan &plan, const ReplayedFrame &frame)
     return text.isEmpty() ? text : text + QLatin1Char('\n');
 }
 
-}
-
 QString neighboursText(const FrameChoice &choice)
 {
     if (choice.neighbourCount() == 0)
