@@ -166,6 +166,8 @@ void tst_DecisionModel::emphasis()
     QVERIFY(!isBold(first, 1));
     QVERIFY(isBold(first + 1, 1));
     QVERIFY(!isBold(DecisionModel::Age, 0));
+    QVERIFY(!model.index(first, 0).data(Qt::ForegroundRole).isValid());
+    QVERIFY(model.index(first, 1).data(Qt::ForegroundRole).isValid()); // faint
     QVERIFY(model.index(outcome, 0).data(Qt::ForegroundRole)
         != model.index(outcome, 1).data(Qt::ForegroundRole));
 }

@@ -35,7 +35,9 @@ private:
     QTableView &table() const { return *m_view->findChild<QTableView *>(); }
     bool isTimeRunning() const;
     QString timeLeft() const;
-    void takeFrame(qint64 agoMs); // of a woman
+    void takeFrame(qint64 agoMs); // of a woman; before the test began
+
+    QDateTime m_begin;
 
     std::unique_ptr<DecisionView> m_view;
     std::unique_ptr<FrameHistory> m_history;
@@ -43,6 +45,7 @@ private:
 
 void tst_DecisionView::init()
 {
+    m_begin = QDateTime::currentDateTimeUtc();
     m_view = std::make_unique<DecisionView>();
     m_view->resize(400, 500);
     m_history = std::make_unique<FrameHistory>(samplePlan());
@@ -66,8 +69,7 @@ QString tst_DecisionView::timeLeft() const
 
 void tst_DecisionView::takeFrame(qint64 agoMs)
 {
-    m_history->take(
-        sampleFace(0, 200, 30, "Female"), QDateTime::currentDateTimeUtc().addMSecs(-agoMs));
+    m_history->take(sampleFace(0, 200, 30, "Female"), m_begin.addMSecs(-agoMs));
     m_view->showFrame(m_history->newest());
 }
 

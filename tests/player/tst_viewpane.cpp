@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
@@ -31,6 +32,7 @@ private slots:
     void init();
     void cleanup();
     void tabs();
+    void newestEvent();
     void newestFrame();
     void eventPicksItsFrame();
     void eventWithoutFrame();
@@ -152,6 +154,21 @@ void tst_ViewPane::tabs()
     QTest::keyClick(m_window.get(), Qt::Key_D, Qt::AltModifier);
     QCOMPARE(views().currentIndex(), 1);
     QCOMPARE(find<QMenu>("viewMenu")->actions().size(), views().count());
+}
+
+void tst_ViewPane::newestEvent()
+{
+    const auto addEvents = [this] {
+        for (int i = 0; i < 100; ++i)
+            m_player->log().append(PlayerEvent());
+    };
+    QScrollBar *const bar = find<QTreeView>("events")->verticalScrollBar();
+    addEvents();
+    QTRY_VERIFY(bar->value() == bar->maximum() && bar->maximum() > 0);
+    bar->setValue(3); // somebody reads
+    addEvents();
+    QTest::qWait(1);
+    QCOMPARE(bar->value(), 3);
 }
 
 void tst_ViewPane::newestFrame()
