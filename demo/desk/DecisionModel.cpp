@@ -43,7 +43,7 @@ QIcon chip(const Stage::StageColor &color)
 {
     QPixmap pixmap(ChipSize, ChipSize);
     pixmap.fill(QColor(color.red, color.green, color.blue));
-    return QIcon(pixmap);
+    return {pixmap};
 }
 
 QFont boldFont()
