@@ -31,10 +31,11 @@ void DeskRecorder::start(const QVector<PlacedViewer> &viewers, qint64 nowMs)
 
 void DeskRecorder::record(const QVector<PlacedViewer> &viewers, qint64 nowMs)
 {
-    const qint64 ms = qMax(m_lastMs, nowMs - m_startMs);
-    if (ms >= MaxMs || !hasRoom())
-        m_isFull = true;
     if (!m_isRunning || m_isFull)
+        return;
+    const qint64 ms = qMax(m_lastMs, nowMs - m_startMs);
+    m_isFull = ms >= MaxMs || !hasRoom();
+    if (m_isFull)
         return;
     if (ms > m_lastMs) {
         m_beforeMs = m_lastMs;

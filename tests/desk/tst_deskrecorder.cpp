@@ -142,8 +142,9 @@ void tst_DeskRecorder::clockThatRunsBackwards()
 void tst_DeskRecorder::notStarted()
 {
     DeskRecorder recorder;
-    recorder.record({person(1, 8, 100)}, 5000);
+    recorder.record({person(1, 8, 100)}, 86400000);
     QVERIFY(recorder.scenario() == Simulation::Scenario());
+    QVERIFY(!recorder.isFull());
 }
 
 void tst_DeskRecorder::startsAnew()
