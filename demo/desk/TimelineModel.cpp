@@ -103,6 +103,8 @@ QVector<bool> TimelineModel::silences() const
     const auto allowed = static_cast<int>(2LL * m_intervalMs / BucketMs);
     int last = -1; // position with frames
     for (int position = 0; position < BucketCount; ++position) {
+        if (indexOf(position) < m_first)
+            silences[position] = false;
         if (bucket(position).frames == 0)
             continue;
         if (last >= 0 && position - last - 1 <= allowed)
@@ -169,7 +171,8 @@ qint64 TimelineModel::advance(const QDateTime &time)
     if (isNull()) {
         m_setBackMs = qMax<qint64>(0, BucketCount * BucketMs - clockMs); // indexes begin with 0
         m_nowMs = clockMs + m_setBackMs;
-        m_newest = m_nowMs / BucketMs - BucketCount;
+        m_first = m_nowMs / BucketMs;
+        m_newest = m_first - BucketCount;
     }
     // What comes a little late belongs where it was; more than that is a clock that was set back.
     if (clockMs + m_setBackMs < m_nowMs - BucketMs)

@@ -85,6 +85,7 @@ private:
 
     std::array<TimelineBucket, BucketCount> m_buckets; // by index modulo BucketCount
     qint64 m_newest = -1; // index
+    qint64 m_first = 0; // index of the first time that was known; nobody has watched before
     qint64 m_nowMs = 0; // time that has passed, to which the indexes belong
     qint64 m_setBackMs = 0; // by which the clock lags behind that
     int m_intervalMs = 0;

@@ -293,14 +293,14 @@ void tst_TimelineModel::silences_data()
     QTest::addColumn<int>("interval"); // ms
     QTest::addColumn<QVector<double>>("frames"); // seconds
     QTest::addColumn<double>("now");
-    QTest::addColumn<QString>("expected"); // the last eight buckets
+    QTest::addColumn<QString>("expected"); // the last eight buckets; the first one begins at 0
 
-    QTest::newRow("nothing yet") << 1000 << QVector<double>() << 20.0 << "........";
-    QTest::newRow("a gap") << 1000 << QVector<double>{0, 3, 12, 15} << 15.5 << "..ff..ff";
+    QTest::newRow("nothing yet") << 1000 << QVector<double>() << 20.0 << "-.......";
+    QTest::newRow("a gap") << 1000 << QVector<double>{0, 3, 12, 15} << 15.5 << "--ff..ff";
     QTest::newRow("the newest bucket has just begun")
-        << 1000 << QVector<double>{0, 3} << 6.1 << ".....ff-";
+        << 1000 << QVector<double>{0, 3} << 6.1 << "-----ff-";
     QTest::newRow("a bucket has ended without a frame")
-        << 1000 << QVector<double>{0, 3} << 9.1 << "....ff..";
+        << 1000 << QVector<double>{0, 3} << 9.1 << "----ff..";
     QTest::newRow("frames are rare") << 5000 << QVector<double>{0, 12} << 21.0 << "f---f---";
     QTest::newRow("rare, but not as rare") << 5000 << QVector<double>{0, 15} << 21.0 << "f....f--";
 }
@@ -312,6 +312,7 @@ void tst_TimelineModel::silences()
     QFETCH(double, now);
     TimelineModel model;
     model.setInterval(interval);
+    model.setNow(at(0));
     for (const double seconds : frames)
         model.addFrame(frameAt(seconds));
     model.setNow(at(now));
