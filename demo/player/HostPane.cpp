@@ -62,7 +62,7 @@ QString HostPane::sensorText(bool isKnown, qint64 processId, int restarts)
 {
     if (!isKnown)
         return tr("not known");
-    const QString state = processId == 0 ? tr("does not run") : tr("process %1").arg(processId);
+    QString state = processId == 0 ? tr("does not run") : tr("process %1").arg(processId);
     if (restarts == 0)
         return state;
     return restarts == 1 ? tr("%1, restarted once").arg(state)

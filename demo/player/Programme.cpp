@@ -16,6 +16,7 @@ std::optional<Programme::Item> Programme::advance(qint64 now)
 {
     if (untilAdvance(now) != 0)
         return std::nullopt;
+    // Without a duration it is over at once, for whoever comes.
     return start(m_waiting.value_or(Item{m_rules.idleSequence, StartReason::Idle, 0}), now);
 }
 
@@ -44,8 +45,8 @@ void Programme::dropBehind(int last)
 /// From when on something else may start.
 qint64 Programme::end() const
 {
-    const bool isCut = m_rules.switching == Switching::Now || !m_playing || isIdle();
-    return m_startTime + (isCut ? 0 : m_playing->duration);
+    const bool playsOn = m_playing && m_rules.switching == Switching::AtEnd;
+    return m_startTime + (playsOn ? m_playing->duration : 0);
 }
 
 Programme::Item Programme::start(const Item &item, qint64 now)

@@ -94,7 +94,7 @@ QString ProofOfPlay::append() const
     const QByteArray text = gap(&file) + m_unwritten.join();
     if (file.write(text) == text.size())
         return {};
-    const QString reason = file.errorString();
+    QString reason = file.errorString();
     file.resize(size); // half a line would spoil the next one
     return reason;
 }
