@@ -16,7 +16,7 @@ namespace Player {
 class ProofOfPlay
 {
 public:
-    static constexpr int MaxKept = 10000; ///< lines; older ones are lost
+    static constexpr int MaxKept = 2000; ///< lines; older ones are lost
 
     struct Start
     {
