@@ -1,8 +1,9 @@
 #include "demo/simulator/LiveScenario.h"
+#include "demo/simulator/ScenarioReader.h"
 #include "tests/support/Files.h"
 
 #include <QDir>
-#include <QFileInfo>
+#include <QRandomGenerator>
 #include <QSaveFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -29,6 +30,8 @@ private slots:
     void problems();
     void eachProblemIsToldOnce();
     void goneAndBack();
+    void everyPrefix();
+    void randomDamage();
 
 private:
     QString update();
@@ -230,6 +233,42 @@ void tst_LiveScenario::goneAndBack()
     QVERIFY(replace(viewers("8"))); // what it was before
     QCOMPARE(update(), QStringLiteral(": is in order now"));
     QCOMPARE(ages(), QStringLiteral("8"));
+}
+
+void tst_LiveScenario::everyPrefix()
+{
+    const QByteArray good = viewers("8 30 41 120");
+    QVERIFY(writeFile(m_file, good));
+    QCOMPARE(update(), QString());
+    const Scenario expected = m_live->scenario();
+    QVERIFY(!expected.viewers.isEmpty());
+    for (int size = good.size() - 1; size >= 0; --size) {
+        QVERIFY(writeFile(m_file, good.left(size)));
+        update();
+        QVERIFY2(m_live->scenario() == expected, qPrintable(QString::number(size)));
+    }
+    QVERIFY(writeFile(m_file, good));
+    QCOMPARE(update(), QStringLiteral(": is in order now"));
+}
+
+void tst_LiveScenario::randomDamage()
+{
+    QRandomGenerator random(4711);
+    const QByteArray good = viewers("8 30 41 120");
+    QString error;
+    Scenario expected = *parseLiveScenario(good, QString(), &error);
+    QVERIFY(writeFile(m_file, good));
+    QCOMPARE(update(), QString());
+    for (int i = 0; i < 200; ++i) {
+        QByteArray text = good;
+        for (int changes = 1 + random.bounded(4); changes > 0; --changes)
+            text[random.bounded(text.size())] = static_cast<char>(random.bounded(256));
+        if (const auto scenario = parseLiveScenario(text, QString(), &error))
+            expected = *scenario;
+        QVERIFY(writeFile(m_file, text));
+        update();
+        QVERIFY2(m_live->scenario() == expected, text.constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_LiveScenario)

@@ -3,6 +3,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Waiting.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -47,12 +48,8 @@ private:
 
 static const char *const Prompt = "Press Space Key to end:";
 
-static const char *const Good = R"({
-    "viewers": [
-        { "age": 8, "gender": "male", "x": 500, "y": 700, "size": 240 },
-        { "age": 30, "gender": "female", "ageMarkAfter": 0 }
-    ]
-})";
+/// Short, so that every part of it is soon tried.
+static const char *const Good = R"({"viewers":[{"age":8,"size":240},{"age":30,"gender":"male"}]})";
 
 static QByteArray agesOf(const QByteArray &frame)
 {
@@ -87,7 +84,7 @@ void tst_LiveSimulator::cleanup()
 void tst_LiveSimulator::start(const QStringList &options)
 {
     m_process->setArguments(QStringList{QStringLiteral("3"), QStringLiteral("921600"),
-                                QStringLiteral("1"), QStringLiteral("--live"), m_file}
+                                QStringLiteral("3"), QStringLiteral("--live"), m_file}
         + options);
     m_process->start();
 }
@@ -103,13 +100,18 @@ bool tst_LiveSimulator::replace(const QByteArray &text)
 
 QByteArray tst_LiveSimulator::nextAges()
 {
+    // What is on its way already is old.
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        QCoreApplication::processEvents();
+    } while (!m_process->readAllStandardOutput().isEmpty() && !timer.hasExpired(KrTest::Patience));
     // The first frame to come may have begun before, and the second one is whole.
-    m_process->waitForReadyRead(0);
-    m_process->readAllStandardOutput();
     m_output.clear();
     while (m_output.count(Prompt) < 3) {
-        if (!m_process->waitForReadyRead(KrTest::Patience))
+        if (timer.hasExpired(KrTest::Patience))
             return "none";
+        QTest::qWait(1);
         m_output += m_process->readAllStandardOutput();
     }
     m_output.replace("\r\n", "\n");
@@ -206,7 +208,7 @@ void tst_LiveSimulator::randomDamage()
     QVERIFY(replace(good));
     start();
     QCOMPARE(nextAges(), expected);
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 100; ++i) {
         QByteArray text = good;
         for (int changes = 1 + random.bounded(3); changes > 0; --changes) {
             const int at = random.bounded(text.size());
