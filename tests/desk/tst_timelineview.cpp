@@ -181,8 +181,8 @@ void tst_TimelineView::tells()
     for (const char *const text :
         {"Female 1: 20-39", "Male 1: 0-12", "Plays #2 Content 2", "Held back"})
         QVERIFY2(tip.contains(QLatin1String(text)), qPrintable(tip));
-    QVERIFY(toolTipAt(m_view.get(), pointOf(*m_view, Newest - 30))
-                .contains(QLatin1String("No frames")));
+    QVERIFY(
+        toolTipAt(m_view.get(), pointOf(*m_view, Newest - 5)).contains(QLatin1String("No frames")));
 
     m_plan.entries[1].name = QStringLiteral("<table><tr><td>x");
     m_view->setPlan(m_plan);

@@ -1,6 +1,8 @@
 #include "demo/player/ViewPane.h"
 
+#include "demo/desk/CoverageView.h"
 #include "demo/desk/DecisionView.h"
+#include "demo/desk/SensorView.h"
 #include "demo/player/MainWindow.h"
 #include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
@@ -22,6 +24,12 @@
 using namespace Player;
 using namespace Stage;
 
+namespace {
+
+enum Tab { EventsTab, SensorTab, DecisionTab, CoverageTab };
+
+} // namespace
+
 /// The window of a stage whose plug-in sees a woman of 30, who is sent #1, and then a boy of 8, who
 /// is held back.
 class tst_ViewPane : public QObject
@@ -32,6 +40,9 @@ private slots:
     void init();
     void cleanup();
     void tabs();
+    void large();
+    void contentOfTheMap();
+    void momentOfTheTimeline();
     void newestEvent();
     void newestFrame();
     void eventPicksItsFrame();
@@ -144,16 +155,54 @@ void tst_ViewPane::announce() const
 
 void tst_ViewPane::tabs()
 {
-    QCOMPARE(views().count(), 2);
-    QCOMPARE(views().currentWidget(), find<QTreeView>("events"));
-    QTest::keyClick(m_window.get(), Qt::Key_2, Qt::ControlModifier);
+    QCOMPARE(views().count(), 4);
+    QCOMPARE(views().currentWidget(), m_window->findChild<Desk::SensorView *>());
+    QTest::keyClick(m_window.get(), Qt::Key_4, Qt::ControlModifier);
+    QCOMPARE(views().currentWidget(), m_window->findChild<Desk::CoverageView *>());
+    QCOMPARE(QApplication::focusWidget(), views().currentWidget());
+    QTest::keyClick(m_window.get(), Qt::Key_3, Qt::ControlModifier);
     QCOMPARE(views().currentWidget(), m_window->findChild<Desk::DecisionView *>());
     QCOMPARE(QApplication::focusWidget(), find<QTableView>("decisionTable"));
     QTest::keyClick(m_window.get(), Qt::Key_1, Qt::ControlModifier);
     QCOMPARE(QApplication::focusWidget(), find<QTreeView>("events"));
     QTest::keyClick(m_window.get(), Qt::Key_D, Qt::AltModifier);
-    QCOMPARE(views().currentIndex(), 1);
-    QCOMPARE(find<QMenu>("viewMenu")->actions().size(), views().count());
+    QCOMPARE(views().currentIndex(), DecisionTab);
+    for (const QAction *const action : find<QMenu>("viewMenu")->actions().mid(0, views().count()))
+        QVERIFY(!action->shortcut().isEmpty());
+}
+
+void tst_ViewPane::large()
+{
+    auto *const sensor = find<QWidget>("sensor");
+    const int width = sensor->width();
+    QTest::keyClick(m_window.get(), Qt::Key_F11);
+    QTRY_VERIFY(sensor->width() > 2 * width);
+    QVERIFY(!find<QWidget>("timeline")->isVisible());
+    QTest::keyClick(m_window.get(), Qt::Key_F11);
+    QTRY_COMPARE(sensor->width(), width);
+    QVERIFY(find<QWidget>("timeline")->isVisible());
+}
+
+/// The plug-in's own dialog is told which content, and to appear beside the views: of all who are
+/// younger than the women, #2 is the only one that fits the age.
+void tst_ViewPane::contentOfTheMap()
+{
+    views().setCurrentWidget(find<QWidget>("coverage"));
+    find<QWidget>("coverage")->setFocus();
+    QTest::keyClick(find<QWidget>("coverage"), Qt::Key_Home);
+    QTest::keyClick(find<QWidget>("coverage"), Qt::Key_Return);
+    QTRY_COMPARE(qApp->property("fakeCalls").toStringList().constLast(),
+        QStringLiteral("content dialog 1 beside something"));
+}
+
+void tst_ViewPane::momentOfTheTimeline()
+{
+    auto *const timeline = find<QWidget>("timeline");
+    timeline->setFocus();
+    QTest::keyClick(timeline, Qt::Key_End);
+    QTest::keyClick(timeline, Qt::Key_Return);
+    QVERIFY(desk().shown().isPicked());
+    QVERIFY(find<QWidget>("pickedBar")->isVisible());
 }
 
 void tst_ViewPane::newestEvent()
@@ -163,6 +212,7 @@ void tst_ViewPane::newestEvent()
             m_player->log().append(PlayerEvent());
     };
     QScrollBar *const bar = find<QTreeView>("events")->verticalScrollBar();
+    views().setCurrentIndex(EventsTab);
     addEvents();
     QTRY_VERIFY(bar->value() == bar->maximum() && bar->maximum() > 0);
     bar->setValue(3); // somebody reads
@@ -174,7 +224,8 @@ void tst_ViewPane::newestEvent()
 void tst_ViewPane::newestFrame()
 {
     QCOMPARE(decision().columnCount(), 0); // not looked at yet
-    QTest::mouseClick(views().tabBar(), Qt::LeftButton, {}, views().tabBar()->tabRect(1).center());
+    const QPoint tab = views().tabBar()->tabRect(DecisionTab).center();
+    QTest::mouseClick(views().tabBar(), Qt::LeftButton, {}, tab);
     QCOMPARE(decision().columnCount(), 1);
     QCOMPARE(decision().index(Desk::DecisionModel::Age, 0).data().toString(), QStringLiteral("8"));
     QCOMPARE(summary(), QStringLiteral("Nothing was sent: the restriction held #2 back."));
@@ -187,10 +238,11 @@ void tst_ViewPane::eventPicksItsFrame()
     QTest::qWait(20);
     m_player->host().start();
     QVERIFY(waitForFrames(4));
+    views().setCurrentIndex(EventsTab);
     pick(rowOf(PlayerEvent::Switch), 2);
     QVERIFY(desk().shown().number() == 1 || desk().shown().number() == 2);
     desk().shown().pick(desk().history().frames().front());
-    views().setCurrentIndex(1);
+    views().setCurrentIndex(DecisionTab);
     QCOMPARE(summary(), QStringLiteral("Sent: #1 Women"));
     QVERIFY(find<QWidget>("pickedBar")->isVisible());
     QVERIFY(find<QLabel>("picked")->text().startsWith(QStringLiteral("Shown: the frame of ")));
@@ -223,7 +275,7 @@ void tst_ViewPane::editedStage()
     QCOMPARE(plan.title, QStringLiteral("Test"));
     QCOMPARE(plan.entries.at(0).name, QStringLiteral("Women"));
     QVERIFY(m_player->isModified()); // and not saved
-    views().setCurrentIndex(1);
+    views().setCurrentIndex(DecisionTab);
     QCOMPARE(summary(), QStringLiteral("Nothing was sent: the restriction held #2 back."));
     const auto &woman = desk().history().frames().at(2).decision.faces.at(0);
     QCOMPARE(woman.outcome, Analysis::DecidedFace::NothingFits);
@@ -247,7 +299,7 @@ void tst_ViewPane::settingsOfThePlugin()
 
 void tst_ViewPane::frameOfAStageThatWasEdited()
 {
-    views().setCurrentIndex(1);
+    views().setCurrentIndex(DecisionTab);
     edit(QStringLiteral("name"), QStringLiteral("Ladies"));
     QVERIFY(waitForFrames(4));
     desk().shown().pick(desk().history().frames().front());
