@@ -44,7 +44,7 @@ void ViewPane::addSensorView()
 {
     auto *const view = new SensorView(this);
     view->setObjectName(QStringLiteral("sensor"));
-    addFrameView(view, tr("&Sensor"));
+    addFrameView(view, tr("Sens&or"));
     m_tabs->setCurrentWidget(view); // whoever sees this for the first time looks before he reads
     const auto showState = [this, view] {
         view->setState({m_desk->history().plan().settings.interval, m_desk->sensor().restarts(),

@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTabBar>
@@ -40,6 +41,7 @@ private slots:
     void init();
     void cleanup();
     void tabs();
+    void mnemonics();
     void large();
     void contentOfTheMap();
     void momentOfTheTimeline();
@@ -169,6 +171,25 @@ void tst_ViewPane::tabs()
     QCOMPARE(views().currentIndex(), DecisionTab);
     for (const QAction *const action : find<QMenu>("viewMenu")->actions().mid(0, views().count()))
         QVERIFY(!action->shortcut().isEmpty());
+}
+
+/// A key that two have does nothing at its first press.
+void tst_ViewPane::mnemonics()
+{
+    QStringList texts;
+    for (int i = 0; i < views().count(); ++i)
+        texts << views().tabText(i);
+    const auto buttons = m_window->findChildren<QPushButton *>();
+    for (const QPushButton *const button : buttons)
+        texts << button->text();
+    const auto menus = m_window->menuBar()->actions();
+    for (const QAction *const menu : menus)
+        texts << menu->text();
+    QStringList keys;
+    for (const QString &text : qAsConst(texts))
+        keys << QKeySequence::mnemonic(text).toString();
+    QVERIFY2(!keys.contains(QString()), qPrintable(texts.join(QLatin1Char(' '))));
+    QCOMPARE(keys.removeDuplicates(), 0);
 }
 
 void tst_ViewPane::large()
