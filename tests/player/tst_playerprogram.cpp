@@ -221,7 +221,7 @@ void tst_PlayerProgram::info_data()
            "It does not load: it is a plug-in for something else: com.example.plain/1.0.\n"
            "The loader says: The file is not a screen plug-in.\n"
            "Put the plug-in file of this product in its place.\n";
-    QTest::newRow("text") << __FILE__ << 1
+    QTest::newRow("text") << writeStage("text") << 1
                           << "File          %1\nFormat        no program\n\n"
                              "It does not load: it is no library.\nThe loader says: "
                           << "Put the plug-in file of this product in its place.\n";
