@@ -53,7 +53,8 @@ int ViewerDesk::add(const QPoint &center)
 void ViewerDesk::addGroup(ViewerGroup group)
 {
     bool placed = false;
-    for (const PlacedViewer &viewer : placeGroup(group, m_viewers))
+    const QVector<PlacedViewer> people = placeGroup(group, m_viewers);
+    for (const PlacedViewer &viewer : people)
         placed = place(viewer) || placed;
     if (placed)
         emit changed();

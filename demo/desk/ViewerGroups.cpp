@@ -160,7 +160,8 @@ QVector<PlacedViewer> placeGroup(ViewerGroup group, const QVector<PlacedViewer> 
     QVector<PlacedViewer> viewers = people(group);
     QPoint best;
     qint64 fewest = std::numeric_limits<qint64>::max();
-    for (const QPoint &shift : shifts(extent(viewers))) {
+    const auto candidates = shifts(extent(viewers));
+    for (const QPoint &shift : candidates) {
         const qint64 pixels = covered(viewers, shift, present);
         if (pixels < fewest) {
             fewest = pixels;

@@ -3,6 +3,7 @@
 #include "demo/support/UserFile.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLibraryInfo>
@@ -134,7 +135,8 @@ QString PluginFile::advice() const
     case None:
         return {};
     case Missing:
-        return tr("Copy the plug-in file to %1.").arg(QFileInfo(fileName).absolutePath());
+        return tr("Copy the plug-in file to %1.")
+            .arg(QDir::toNativeSeparators(QFileInfo(fileName).absolutePath()));
     case NoFile:
     case NoLibrary:
     case NoPlugin:
