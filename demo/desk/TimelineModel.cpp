@@ -9,13 +9,6 @@ using namespace Analysis;
 
 namespace {
 
-std::size_t genderPosition(int gender)
-{
-    const auto last = CoveredGenders.cend() - 1; // what is neither female nor male is unknown
-    return static_cast<std::size_t>(
-        std::distance(CoveredGenders.cbegin(), std::find(CoveredGenders.cbegin(), last, gender)));
-}
-
 std::size_t agePosition(int age)
 {
     if (age < 0)
@@ -29,7 +22,7 @@ ViewerCounts countsOf(const Decision &decision)
 {
     ViewerCounts counts{};
     for (const DecidedFace &face : decision.faces) {
-        ++counts.at(genderPosition(face.evaluation.gender)).at(agePosition(face.evaluation.age));
+        ++counts.at(coveredPosition(face.evaluation.gender)).at(agePosition(face.evaluation.age));
     }
     return counts;
 }

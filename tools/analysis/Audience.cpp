@@ -1,7 +1,6 @@
 #include "tools/analysis/Audience.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 #include <numeric>
 
@@ -12,14 +11,6 @@ using PluginKrHvcP2::Gender;
 namespace {
 
 constexpr int YearsPerBand = 10;
-
-/// In CoveredGenders; what is neither female nor male is unknown.
-std::size_t genderPosition(int gender)
-{
-    const auto *const last = CoveredGenders.cend() - 1;
-    return static_cast<std::size_t>(
-        std::distance(CoveredGenders.cbegin(), std::find(CoveredGenders.cbegin(), last, gender)));
-}
 
 template <typename Counts>
 qint64 sumOfCounts(const Counts &counts)
@@ -49,12 +40,12 @@ qint64 sumOf(const Audience &audience)
 
 qint64 sumOf(const Audience &audience, Gender gender)
 {
-    return sumOfCounts(audience.at(genderPosition(gender)));
+    return sumOfCounts(audience.at(coveredPosition(gender)));
 }
 
 qint64 &faceCount(Audience &audience, int gender, int age)
 {
-    return audience.at(genderPosition(gender)).at(static_cast<std::size_t>(ageBandOf(age)));
+    return audience.at(coveredPosition(gender)).at(static_cast<std::size_t>(ageBandOf(age)));
 }
 
 } // namespace Analysis

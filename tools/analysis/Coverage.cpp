@@ -1,6 +1,7 @@
 #include "tools/analysis/Coverage.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Analysis {
 
@@ -96,6 +97,13 @@ QVector<int> numbersOf(const QVector<Reach> &contents, Predicate isWanted)
 }
 
 } // namespace
+
+std::size_t coveredPosition(int gender)
+{
+    const auto last = CoveredGenders.cend() - 1;
+    return static_cast<std::size_t>(
+        std::distance(CoveredGenders.cbegin(), std::find(CoveredGenders.cbegin(), last, gender)));
+}
 
 QVector<Band> GenderCoverage::bands() const
 {

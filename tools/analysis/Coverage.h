@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include <array>
+#include <cstddef>
 
 namespace Analysis {
 
@@ -17,6 +18,9 @@ constexpr int CoveredAges = HighestCoveredAge - LowestCoveredAge + 1;
 /// The genders of a face that a coverage looks at, in this order.
 constexpr std::array<PluginKrHvcP2::Gender, 3> CoveredGenders{
     PluginKrHvcP2::Female, PluginKrHvcP2::Male, PluginKrHvcP2::UnknownGender};
+
+/// The position of @p gender in CoveredGenders; what is neither female nor male is unknown.
+std::size_t coveredPosition(int gender);
 
 /// The ages @p from to @p to, in years, both inclusive.
 struct AgeRange
