@@ -31,14 +31,6 @@ constexpr qreal PointerReach = 2; // pixels around a mark
 
 constexpr int GenderCount = static_cast<int>(CoveredGenders.size());
 
-/// The line of a face of @p gender; what is neither female nor male is unknown.
-int lineOf(int gender)
-{
-    const auto last = CoveredGenders.cend() - 1;
-    return static_cast<int>(
-        std::distance(CoveredGenders.cbegin(), std::find(CoveredGenders.cbegin(), last, gender)));
-}
-
 int quotient(qreal length, qreal part)
 {
     return part > 0 ? std::max(0, static_cast<int>(length / part)) : 0;
@@ -245,7 +237,7 @@ QVector<CoverageMark> CoverageMap::marks(const Decision &decision) const
     for (int i = 0; i < decision.faces.size(); ++i) {
         const PluginKrHvcP2::FaceEvaluation &face = decision.faces.at(i).evaluation;
         const bool isAgeKnown = face.age >= 0;
-        QRectF room = markRoom(lineOf(face.gender), isAgeKnown);
+        QRectF room = markRoom(static_cast<int>(coveredPosition(face.gender)), isAgeKnown);
         if (isAgeKnown) {
             const int age = std::clamp(face.age, LowestCoveredAge, HighestCoveredAge);
             room.moveLeft(xOf(age + 0.5));

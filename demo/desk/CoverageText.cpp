@@ -1,6 +1,7 @@
 #include "demo/desk/CoverageText.h"
 
 #include "demo/desk/ContentLook.h"
+#include "tools/analysis/Words.h"
 
 #include <QCoreApplication>
 
@@ -28,7 +29,7 @@ QString numbersText(const QVector<int> &numbers)
 
 QString audienceText(const PluginKrHvcP2::DetectionContent &content)
 {
-    const QString ages = agesText({content.ageMin, content.ageMax});
+    const QString ages = agesWord({content.ageMin, content.ageMax});
     const QString audience = content.genders == PluginKrHvcP2::BothGenders
         ? tr("%1, everybody").arg(ages)
         : QStringLiteral("%1, %2").arg(ages, genderName(content.genders).toLower());
@@ -149,12 +150,6 @@ QString genderName(int gender)
     }
 }
 
-QString agesText(const AgeRange &ages)
-{
-    const QString from = QString::number(ages.from);
-    return ages.from == ages.to ? from : from + QLatin1Char('-') + QString::number(ages.to);
-}
-
 QString fitText(Choice::Fit fit)
 {
     switch (fit) {
@@ -187,7 +182,7 @@ QStringList itemLines(const Plan &plan, const Coverage &coverage, const Coverage
                                                                        : genderName(item.gender);
     const QString viewers = item.kind == CoverageItem::UnknownAge
         ? tr("%1, age unknown").arg(gender)
-        : tr("%1, %2 years").arg(gender, agesText(item.ages));
+        : tr("%1, %2 years").arg(gender, agesWord(item.ages));
     const QString content = item.number == 0 ? tr("Nothing") : contentTitle(plan, item.number);
     return {viewers, content, whyText(item)};
 }

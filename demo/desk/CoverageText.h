@@ -9,7 +9,6 @@
 namespace Desk {
 
 QString genderName(int gender); ///< "Female", "Male", "Unknown"
-QString agesText(const Analysis::AgeRange &ages); ///< "20-29", "20" for a single year
 QString fitText(Analysis::Choice::Fit fit); ///< as the key of the map has it
 
 /// Below the name of content @p number: whom it is for or, when it needs a look, why.

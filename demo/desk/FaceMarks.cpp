@@ -1,6 +1,7 @@
 #include "demo/desk/FaceMarks.h"
 
 #include "core/screen/Gender.h"
+#include "demo/desk/ContentLook.h"
 #include "demo/desk/SensorGeometry.h"
 #include "tools/analysis/ReportText.h"
 
@@ -136,15 +137,6 @@ Note noteOf(const DecidedFace &face)
     return {};
 }
 
-/// Of its card: of a colour that lets through, what it would be without.
-QColor contentColor(int sequence, const Analysis::Plan &plan)
-{
-    if (sequence < 1 || sequence > plan.entries.size())
-        return QColor::fromRgb(Grey);
-    const Stage::StageColor &color = plan.entries.at(sequence - 1).color;
-    return {color.red, color.green, color.blue};
-}
-
 FaceMark faceMark(const DecidedFace &face, const Analysis::Plan &plan)
 {
     FaceMark mark;
@@ -155,7 +147,7 @@ FaceMark faceMark(const DecidedFace &face, const Analysis::Plan &plan)
     mark.age = ageReading(face.face);
     mark.gender = genderReading(face.face);
     mark.content = singleLine(plan.name(face.sequence));
-    mark.color = contentColor(face.sequence, plan);
+    mark.color = face.sequence > 0 ? contentColor(plan, face.sequence) : QColor::fromRgb(Grey);
     mark.outcome = face.outcome;
     mark.sequence = face.sequence;
     const Note note = noteOf(face);

@@ -15,15 +15,17 @@ bool hasSignal(const QObject *object, const char *signature)
     return object->metaObject()->indexOfSignal(signature) >= 0;
 }
 
+} // namespace
+
 QObject *findController(const QObject *plugin)
 {
+    if (!plugin)
+        return nullptr;
     const QObjectList &children = plugin->children();
     const auto it = std::find_if(children.cbegin(), children.cend(),
         [](const QObject *child) { return hasSignal(child, "dataReceived(QString)"); });
     return it == children.cend() ? nullptr : *it;
 }
-
-} // namespace
 
 PluginFrames::PluginFrames(QObject *parent)
     : QObject(parent)
@@ -37,7 +39,7 @@ void PluginFrames::watch(QObject *plugin)
             disconnect(object, nullptr, this, nullptr);
     }
     m_plugin = plugin;
-    m_controller = plugin ? findController(plugin) : nullptr;
+    m_controller = findController(plugin);
     m_starts = 0;
     if (plugin && hasSignal(plugin, "contentStarted(int)"))
         connect(plugin, SIGNAL(contentStarted(int)), this, SLOT(onContentStarted(int)));

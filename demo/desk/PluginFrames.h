@@ -8,6 +8,10 @@
 
 namespace Desk {
 
+/// The child of @p plugin that runs the sensor program, known by its signal dataReceived(QString).
+/// Null when there is none, and for no plug-in.
+QObject *findController(const QObject *plugin);
+
 /// Listens to a plug-in as any host could: to its signal contentStarted(int), and to its child
 /// object with the signal dataReceived(QString), which runs the sensor program.
 ///

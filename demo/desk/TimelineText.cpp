@@ -2,6 +2,7 @@
 
 #include "demo/desk/ContentLook.h"
 #include "demo/desk/CoverageText.h"
+#include "tools/analysis/Words.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -24,7 +25,7 @@ QString ageText(int position)
     if (position == TimelineUnknownAge)
         return tr("age unknown");
     const AgeRange &ages = TimelineAges.at(static_cast<std::size_t>(position));
-    return position == TimelineUnknownAge - 1 ? tr("%1 and older").arg(ages.from) : agesText(ages);
+    return position == TimelineUnknownAge - 1 ? tr("%1 and older").arg(ages.from) : agesWord(ages);
 }
 
 /// "Female 3: 0-12, 20-39 (2)"

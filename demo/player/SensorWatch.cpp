@@ -1,28 +1,19 @@
 #include "demo/player/SensorWatch.h"
 
+#include "demo/desk/PluginFrames.h"
+
 #include <QMetaObject>
 #include <QProcess>
-
-#include <algorithm>
 
 namespace Player {
 
 namespace {
 
-bool keepsProgram(const QObject *object)
-{
-    const QMetaObject *const meta = object->metaObject();
-    return meta->indexOfSignal("dataReceived(QString)") >= 0
-        && meta->indexOfSignal("started()") >= 0;
-}
-
 QObject *findKeeper(const QObject *plugin)
 {
-    if (!plugin)
-        return nullptr;
-    const QObjectList children = plugin->children();
-    const auto it = std::find_if(children.cbegin(), children.cend(), keepsProgram);
-    return it == children.cend() ? nullptr : *it;
+    QObject *const controller = Desk::findController(plugin);
+    return controller && controller->metaObject()->indexOfSignal("started()") >= 0 ? controller
+                                                                                   : nullptr;
 }
 
 } // namespace

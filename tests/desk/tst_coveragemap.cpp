@@ -1,6 +1,7 @@
 #include "demo/desk/CoverageMap.h"
 #include "demo/desk/CoverageText.h"
 #include "tests/desk/PlanOf.h"
+#include "tools/analysis/Words.h"
 
 #include <QLineF>
 #include <QtTest>
@@ -35,7 +36,7 @@ QString describe(const CoverageItem &item)
         return QLatin1String("list") + number;
     const QString gender = genderName(item.gender).left(1);
     return gender + QLatin1Char(' ')
-        + (item.kind == CoverageItem::UnknownAge ? QStringLiteral("?") : agesText(item.ages))
+        + (item.kind == CoverageItem::UnknownAge ? QStringLiteral("?") : agesWord(item.ages))
         + number;
 }
 
