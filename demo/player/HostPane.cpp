@@ -1,7 +1,7 @@
 #include "demo/player/HostPane.h"
 
-#include "core/screen/ScreenSettings.h"
 #include "demo/player/ShownText.h"
+#include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
 
 #include <QDateTime>
@@ -34,7 +34,7 @@ void setText(QLabel *label, const QString &text)
 
 } // namespace
 
-HostPane::HostPane(StagePlayer *player, QWidget *parent)
+HostPane::HostPane(StagePlayer *player, StageDesk *desk, QWidget *parent)
     : QWidget(parent)
     , m_player(player)
 {
@@ -54,6 +54,9 @@ HostPane::HostPane(StagePlayer *player, QWidget *parent)
         showTimes();
     });
     connect(player, &StagePlayer::currentChanged, this, &HostPane::showTimes);
+    const Desk::FrameHistory *const history = &desk->history();
+    connect(history, &Desk::FrameHistory::planChanged, this,
+        [this, history] { takePlan(history->plan()); });
     showSensor();
     showTimes();
 }
@@ -90,15 +93,13 @@ void HostPane::onCalled(const QString &operation)
 {
     if (operation == QLatin1String("stop"))
         m_sensor.countAnew();
-    if (operation != QLatin1String("init"))
-        return;
-    m_sensor.watch(m_player->host().object());
-    PluginKrHvcP2::ScreenSettings settings;
-    settings.update(m_player->host().params());
-    m_screens.setContents(
-        PluginKrHvcP2::detectionContents(
-            m_player->stage().screenParameters(m_player->screenId()), m_player->stage().screens()),
-        settings.eventSendingLimit);
+    if (operation == QLatin1String("init"))
+        m_sensor.watch(m_player->host().object());
+}
+
+void HostPane::takePlan(const Analysis::Plan &plan)
+{
+    m_screens.setContents(plan.contents, plan.settings.eventSendingLimit);
     showTimes();
 }
 

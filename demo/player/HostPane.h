@@ -9,8 +9,13 @@
 class QFormLayout;
 class QLabel;
 
+namespace Analysis {
+struct Plan;
+}
+
 namespace Player {
 
+class StageDesk;
 class StagePlayer;
 
 /// What a host knows beside the events: the sensor program, which screens hold sequences back for
@@ -20,7 +25,8 @@ class HostPane : public QWidget
     Q_OBJECT
 
 public:
-    explicit HostPane(StagePlayer *player, QWidget *parent = nullptr); ///< not owned
+    /// Neither @p player nor @p desk is owned.
+    HostPane(StagePlayer *player, StageDesk *desk, QWidget *parent = nullptr);
 
     /// For example "process 4711, restarted 2 times".
     static QString sensorText(bool isKnown, qint64 processId, int restarts);
@@ -31,6 +37,7 @@ protected:
 private:
     QLabel *addRow(QFormLayout *layout, const QString &title, const QString &objectName);
     void onCalled(const QString &operation);
+    void takePlan(const Analysis::Plan &plan);
     void showSensor();
     void showTimes();
     QString screensText(const QVector<LinkedScreens::Screen> &screens) const;

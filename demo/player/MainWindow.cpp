@@ -362,7 +362,7 @@ QWidget *MainWindow::createControlPart()
     layout->setSpacing(Margin * 2 / 3);
     layout->addWidget(createHeader());
     layout->addWidget(createStatusRow());
-    layout->addWidget(new HostPane(m_player, part));
+    layout->addWidget(new HostPane(m_player, m_desk, part));
     layout->addWidget(createControls());
     return part;
 }

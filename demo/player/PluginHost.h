@@ -55,7 +55,6 @@ public:
     /// Hands over a changed stage and initialises again; what ran before runs again.
     bool update(const Stage::StageFile &stage, int screenId);
 
-    QObject *pluginObject() const { return m_object; } ///< null without a plug-in
     /// Null before setUp() and after the plug-in has gone. The plug-in owns it.
     Kora::KrPluginGraphicsItem *panel() const;
     /// Null likewise, and when the plug-in has no settings dialogs. The plug-in owns it.

@@ -51,7 +51,7 @@ void StageDesk::onCalled(const QString &operation)
 {
     if (operation != QLatin1String("init"))
         return;
-    m_frames.watch(m_player->host().pluginObject()); // first: the frames until now had the old plan
+    m_frames.watch(m_player->host().object()); // first: the frames until now had the old plan
     Analysis::Plan plan = Analysis::planOf(m_player->stage(), m_player->screenId());
     // What is stored is not always what the plug-in takes over.
     plan.settings = PluginKrHvcP2::ScreenSettings::fromStored(m_player->host().params());

@@ -68,8 +68,7 @@ void tst_StageDesk::decidesAsThePlugin()
     const QSignalSpy started(&player.host(), &PluginHost::contentStarted);
     player.begin(QString());
     QVERIFY(desk.sensor().isWatching());
-    auto *const plugin
-        = qobject_cast<Kora::KrPluginExtScreenInterface *>(player.host().pluginObject());
+    auto *const plugin = qobject_cast<Kora::KrPluginExtScreenInterface *>(player.host().object());
     plugin->requestSequenceNumber(1);
     const QDateTime button = QDateTime::currentDateTime();
     QCOMPARE(started.count(), 1);
