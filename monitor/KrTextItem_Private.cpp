@@ -1,6 +1,7 @@
 #include "monitor/KrTextItem_Private.h"
 
 #include <QPainter>
+#include <QStyleOptionGraphicsItem>
 
 namespace PluginKrHvcP2::Private {
 
@@ -34,6 +35,7 @@ KrTextItem_Private::KrTextItem_Private(
     document->setParent(this);
     setDocument(document.release());
     setDefaultTextColor(Qt::white);
+    setFlag(ItemUsesExtendedStyleOption); // what is outside of the view is not drawn
 }
 
 void KrTextItem_Private::setBackgroundColor(const QColor &color)
@@ -45,8 +47,18 @@ void KrTextItem_Private::setBackgroundColor(const QColor &color)
 void KrTextItem_Private::paint(
     QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
+    // What the panel cuts off need not be drawn: of a message of many faces that is most of it.
+    // One unit more, for what is smoothed at the edge.
+    QStyleOptionGraphicsItem visible(*option);
+    if (visible.exposedRect.isEmpty())
+        visible.exposedRect = boundingRect();
+    if (parentItem() != nullptr && parentItem()->flags().testFlag(ItemClipsChildrenToShape))
+        visible.exposedRect
+            &= mapRectFromParent(parentItem()->boundingRect().adjusted(-1, -1, 1, 1));
+    if (visible.exposedRect.isEmpty())
+        return;
     painter->fillRect(boundingRect(), m_backgroundColor);
-    QGraphicsTextItem::paint(painter, option, widget);
+    QGraphicsTextItem::paint(painter, &visible, widget);
 }
 
 } // namespace PluginKrHvcP2::Private

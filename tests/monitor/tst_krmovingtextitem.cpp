@@ -185,6 +185,8 @@ private slots:
     void messageDeletedByAnother();
     void sizeOfTheMomentCounts();
     void clipping();
+    void drawsWhatIsSeenAsIfWhole_data();
+    void drawsWhatIsSeenAsIfWhole();
     void realTime();
 
     void clicks_data();
@@ -846,6 +848,15 @@ void tst_KrMovingTextItem::sizeOfTheMomentCounts()
     QCOMPARE(animationOf(panel, first)->endValue().toPointF(), QPointF(800, 0));
 }
 
+static QImage rendered(QGraphicsScene &scene)
+{
+    QImage image(scene.sceneRect().size().toSize(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    scene.render(&painter);
+    return image;
+}
+
 void tst_KrMovingTextItem::clipping()
 {
     QGraphicsScene scene(0, 0, 300, 200);
@@ -869,12 +880,7 @@ void tst_KrMovingTextItem::clipping()
     QVERIFY(messages.at(0)->document()->size().height() > 200);
     QVERIFY(messages.at(1)->sceneBoundingRect().width() > 200);
 
-    QImage image(300, 200, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    scene.render(&painter);
-    painter.end();
-
+    const QImage image = rendered(scene);
     bool red = false;
     const QRect inside(100, 70, 100, 60);
     for (int y = 0; y < image.height(); ++y) {
@@ -886,6 +892,51 @@ void tst_KrMovingTextItem::clipping()
         }
     }
     QVERIFY(red);
+}
+
+void tst_KrMovingTextItem::drawsWhatIsSeenAsIfWhole_data()
+{
+    QTest::addColumn<QPointF>("position");
+    QTest::addColumn<bool>("isSeen");
+
+    QTest::newRow("at the top") << QPointF(0, 0) << true;
+    QTest::newRow("in the middle of a row") << QPointF(0, -100.5) << true;
+    QTest::newRow("its end") << QPointF(0, -650) << true;
+    QTest::newRow("half to the left") << QPointF(-70.25, 3) << true;
+    QTest::newRow("half to the right") << QPointF(70.75, -3) << true;
+    QTest::newRow("its first rows alone") << QPointF(0, 75.5) << true;
+    QTest::newRow("above") << QPointF(0, -2000) << false;
+    QTest::newRow("below") << QPointF(0, 120) << false;
+    QTest::newRow("left of it") << QPointF(-200, 0) << false;
+}
+
+/// As if nothing had been left out for being cut off.
+void tst_KrMovingTextItem::drawsWhatIsSeenAsIfWhole()
+{
+    QFETCH(QPointF, position);
+    QFETCH(bool, isSeen);
+
+    QGraphicsScene scene(0, 0, 140, 100);
+    auto *panel = new KrMovingTextItem;
+    scene.addItem(panel);
+    panel->setItemSize(140, 100);
+    const QImage empty = rendered(scene);
+
+    QString html = QStringLiteral("<table border='1'>");
+    for (int row = 0; row < 35; ++row)
+        html += QStringLiteral("<tr><td>%1</td><td bgcolor='#00ff00'>M</td></tr>").arg(row);
+    panel->addHtml(html + QStringLiteral("</table>"), 2);
+    showNext(*panel);
+    finishAnimations(*panel);
+    KrTextItem_Private *message = asTextItem(messagesOf(*panel).constFirst());
+    QVERIFY(message->boundingRect().height() > 700);
+    message->setBackgroundColor(QColor(255, 0, 0, 100));
+    message->setPos(position);
+    const QImage image = rendered(scene);
+    QCOMPARE(image != empty, isSeen);
+
+    panel->setFlag(QGraphicsItem::ItemClipsChildrenToShape, false);
+    QCOMPARE(image, rendered(scene));
 }
 
 void tst_KrMovingTextItem::realTime()
