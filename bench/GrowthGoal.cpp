@@ -19,7 +19,7 @@ namespace {
 
 constexpr double Bar = 2.3;
 constexpr double RunUs = 40000; // what the pairs of one run may take, unless they are few
-constexpr int FewestPairs = 5;
+constexpr int FewestPairs = 11;
 constexpr int MostPairs = 51;
 constexpr int Mebibyte = 1024 * 1024;
 

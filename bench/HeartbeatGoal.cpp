@@ -4,6 +4,8 @@
 #include "HostedPlugin.h"
 #include "Report.h"
 
+#include "tests/support/OwnProcess.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace Bench {
 
@@ -25,7 +28,7 @@ constexpr double GapBarMs = 60;
 
 struct Outcome
 {
-    qint64 longestGapMs = 0;
+    double longestGapMs = 0;
     int lostRecords = 0;
 };
 
@@ -54,8 +57,14 @@ Outcome holdLock()
     QElapsedTimer sinceBeat;
     QTimer beat;
     beat.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&beat, &QTimer::timeout, &beat,
-        [&] { outcome.longestGapMs = std::max(outcome.longestGapMs, sinceBeat.restart()); });
+    // What the machine has lost to others meanwhile is no time of ours.
+    double stolenBefore = KrTest::stolenSeconds();
+    QObject::connect(&beat, &QTimer::timeout, &beat, [&] {
+        const double stolen = KrTest::stolenSeconds();
+        const double stolenMs = (stolen - std::exchange(stolenBefore, stolen)) * 1000;
+        outcome.longestGapMs = std::max(outcome.longestGapMs,
+            std::max(double{BeatMs}, static_cast<double>(sinceBeat.restart()) - stolenMs));
+    });
 
     // Each frame has a timer of its own: one that is being handled does not come again.
     QObject source;
@@ -96,7 +105,7 @@ void measureHeartbeat(Report &report)
         worst.lostRecords = std::max(worst.lostRecords, next.lostRecords);
     }
     report.add({QStringLiteral("P7"), QStringLiteral("log locked, longest gap, ms"),
-        static_cast<double>(worst.longestGapMs), GapBarMs, {}});
+        worst.longestGapMs, GapBarMs, {}});
     report.add({QStringLiteral("P7"), QStringLiteral("log locked, records lost"),
         static_cast<double>(worst.lostRecords), 0.0, {}});
 }

@@ -12,6 +12,10 @@ int openHandles();
 /// Processor time that this process has used.
 double processorSeconds();
 
+/// Processor time that the host of a virtual machine has given to others since its start, of all
+/// processors; 0 where nobody tells.
+double stolenSeconds();
+
 /// Bytes of this process that are in the machine's memory; 0 under a sanitizer that keeps what was
 /// freed.
 qint64 residentMemory();

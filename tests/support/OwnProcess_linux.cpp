@@ -27,6 +27,16 @@ double processorSeconds()
     return double(std::clock()) / CLOCKS_PER_SEC;
 }
 
+double stolenSeconds()
+{
+    constexpr int position = 8; // of the first line: "cpu", user, nice, system, ..., steal
+    QFile file(QStringLiteral("/proc/stat"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const double ticks = file.readLine().simplified().split(' ').value(position).toDouble();
+    return ticks / static_cast<double>(::sysconf(_SC_CLK_TCK));
+}
+
 qint64 residentMemory()
 {
 #ifdef KRHVC_KEEPS_FREED_MEMORY

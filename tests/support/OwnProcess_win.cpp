@@ -45,6 +45,11 @@ double processorSeconds()
     return (ticks(kernel) + ticks(user)) * unit;
 }
 
+double stolenSeconds()
+{
+    return 0;
+}
+
 qint64 residentMemory()
 {
     PROCESS_MEMORY_COUNTERS counters = {};
