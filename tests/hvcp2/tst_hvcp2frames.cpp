@@ -14,34 +14,6 @@
 using namespace Hvcp2;
 using namespace KrTest;
 
-namespace {
-
-/// A command of a document, after "$ hvcp2 ", and what it prints.
-struct Example
-{
-    QStringList arguments;
-    QString output;
-};
-
-QVector<Example> examplesIn(const QString &document)
-{
-    const QString fence = QStringLiteral("```");
-    const QString prompt = QStringLiteral("$ hvcp2 ");
-    QVector<Example> examples;
-    const QStringList parts = document.split(fence);
-    for (int i = 1; i < parts.size(); i += 2) {
-        const QString block = parts.at(i).mid(parts.at(i).indexOf(QLatin1Char('\n')) + 1);
-        const int end = block.indexOf(QLatin1Char('\n'));
-        if (block.startsWith(prompt)) {
-            examples.append({block.mid(prompt.size(), end - prompt.size()).split(QLatin1Char(' ')),
-                block.mid(end + 1)});
-        }
-    }
-    return examples;
-}
-
-} // namespace
-
 /// What the commands print about frames; golden/ has the inputs, and what is expected beside them.
 class tst_Hvcp2Frames : public QObject
 {
@@ -56,7 +28,6 @@ private slots:
     void chosenFrames_data();
     void chosenFrames();
     void fullScreen();
-    void documentedExamples();
     void documentsOfReplay_data();
     void documentsOfReplay();
 
@@ -234,20 +205,6 @@ void tst_Hvcp2Frames::fullScreen()
     QCOMPARE(lines.at(3).count(QStringLiteral("face ")), 5);
     for (const QString &line : lines)
         QVERIFY2(line.size() <= 80, qPrintable(line));
-}
-
-void tst_Hvcp2Frames::documentedExamples()
-{
-    const QString root = m_directory + QStringLiteral("/../../../");
-    const QVector<Example> examples = examplesIn(readText(root + QStringLiteral("docs/hvcp2.md")));
-    QVERIFY(!examples.isEmpty());
-    QVERIFY(QDir::setCurrent(root + QStringLiteral("demo/player")));
-    for (const Example &example : examples) {
-        QString output = outputOf(example.arguments);
-        output.truncate(output.lastIndexOf(QLatin1String("[status")));
-        QCOMPARE(output.split(QLatin1Char('\n')), example.output.split(QLatin1Char('\n')));
-    }
-    QVERIFY(QDir::setCurrent(m_directory));
 }
 
 void tst_Hvcp2Frames::documentsOfReplay_data()

@@ -67,8 +67,7 @@ static void setUp(
     QVariant screen = QVariantMap{{Keys::Id, Screen}}; // as it was stored; this one is new
     plugin->makeDefaultPluginData(&screen);
 
-    QDir().mkpath(
-        logDirectory); // the plug-in keeps no log of its own in a folder that is not there
+    QDir().mkpath(logDirectory); // a folder that is not there would be ignored
     plugin->setPath(QFileInfo(file).absolutePath());
     plugin->setLogSetting(logDirectory);
     plugin->setStage(makeStage());
