@@ -1,4 +1,5 @@
-# What an archive holds: plugin/ for the integrator, demo/ to try it out, devel/ to build a host.
+# What an archive holds: plugin/ for the integrator, docs/ for whoever sets up and looks after screens, demo/ to try
+# it out, devel/ to build a host.
 include(CMakePackageConfigHelpers)
 
 # install_text(<file> <component>): with the line ends that the system's editors expect.
@@ -9,6 +10,23 @@ function(install_text file component)
     endif()
     configure_file(${file} ${PROJECT_BINARY_DIR}/${file} @ONLY NEWLINE_STYLE ${newlines})
     install(FILES ${PROJECT_BINARY_DIR}/${file} DESTINATION ${component} COMPONENT ${component})
+endfunction()
+
+# install_page(<file> <component> [<name>]): with its links as they are in an archive.
+function(install_page file component)
+    get_filename_component(name ${file} NAME)
+    if(ARGC GREATER 2)
+        set(name ${ARGV2})
+    endif()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    file(READ ${file} text)
+    string(REPLACE "](../demo/player/README.md" "](stage-player.md" text "${text}")
+    string(REPLACE "](../demo/simulator/README.md" "](sensor-simulator.md" text "${text}")
+    if(NOT component STREQUAL docs)
+        string(REGEX REPLACE "\\]\\(([a-z0-9-]+\\.md)" "](../docs/\\1" text "${text}")
+    endif()
+    file(WRITE ${PROJECT_BINARY_DIR}/pages/${name} "${text}")
+    install(FILES ${PROJECT_BINARY_DIR}/pages/${name} DESTINATION ${component} COMPONENT ${component})
 endfunction()
 
 # What a host has to be built with, for INSTALL.txt.
@@ -27,9 +45,15 @@ install(TARGETS KrHvcP2 LIBRARY DESTINATION demo COMPONENT demo)
 install(TARGETS krhvc_player krhvc_simulator krhvc_hvcp2 RUNTIME DESTINATION demo COMPONENT demo)
 install(DIRECTORY demo/player/stages demo/player/recordings DESTINATION demo COMPONENT demo)
 install(DIRECTORY demo/simulator/scenarios DESTINATION demo COMPONENT demo)
-install(FILES demo/player/README.md DESTINATION demo RENAME stage-player.md COMPONENT demo)
-install(FILES demo/simulator/README.md DESTINATION demo RENAME sensor-simulator.md COMPONENT demo)
-install(FILES docs/hvcp2.md docs/report.png DESTINATION demo COMPONENT demo)
+
+foreach(page IN ITEMS how-it-decides install-and-tune operate privacy reference hvcp2)
+    install_page(docs/${page}.md docs)
+endforeach()
+install_page(demo/player/README.md docs stage-player.md)
+install_page(demo/simulator/README.md docs sensor-simulator.md)
+foreach(picture IN ITEMS coverage detection-content report screen-settings stage-player)
+    install(FILES docs/${picture}.png DESTINATION docs COMPONENT docs)
+endforeach()
 
 if(WIN32 AND NOT CMAKE_BUILD_TYPE STREQUAL Debug) # that one needs Qt's debug libraries
     # Qt and the compiler's own libraries, so that the demonstration runs on a bare machine.
@@ -82,10 +106,15 @@ install(
     COMPONENT devel
 )
 
+install_page(docs/host-integration.md devel)
+install(FILES tests/packaging/host/main.cpp tests/packaging/host/CMakeLists.txt DESTINATION devel/example
+        COMPONENT devel
+)
+
 set(CPACK_PACKAGE_NAME KrHvcP2)
 set(CPACK_PACKAGE_VENDOR "${KRHVC_VENDOR}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
-set(CPACK_COMPONENTS_ALL plugin demo devel)
+set(CPACK_COMPONENTS_ALL plugin docs demo devel)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL OFF)
 if(WIN32)
     set(CPACK_GENERATOR ZIP)

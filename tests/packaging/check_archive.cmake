@@ -33,7 +33,7 @@ endif()
 
 string(REGEX REPLACE "\\.(zip|tar\\.gz)$" "" root ${name})
 file(GLOB entries RELATIVE ${DIRECTORY}/${root} ${DIRECTORY}/${root}/*)
-if(NOT entries STREQUAL "demo;devel;plugin")
+if(NOT entries STREQUAL "demo;devel;docs;plugin")
     message(FATAL_ERROR "Unexpected components: ${entries}")
 endif()
 foreach(
@@ -46,9 +46,17 @@ foreach(
           demo/stages/shop-window.json
           demo/recordings/afternoon.txt
           demo/scenarios/everyday.json
-          demo/stage-player.md
-          demo/sensor-simulator.md
-          demo/hvcp2.md
+          docs/how-it-decides.md
+          docs/hvcp2.md
+          docs/install-and-tune.md
+          docs/operate.md
+          docs/privacy.md
+          docs/reference.md
+          docs/sensor-simulator.md
+          docs/stage-player.md
+          devel/host-integration.md
+          devel/example/main.cpp
+          devel/example/CMakeLists.txt
           devel/include/KrHvcP2/host/KrPluginCommonInterface.h
           devel/include/KrHvcP2/host/KrPluginExtScreenInterface.h
           devel/include/KrHvcP2/host/KrPluginGraphicsItem.h
@@ -63,14 +71,16 @@ foreach(
     endif()
 endforeach()
 # What a document shows or leads to is in the archive, too.
-file(GLOB documents ${DIRECTORY}/${root}/demo/*.md)
+file(GLOB documents ${DIRECTORY}/${root}/*/*.md)
 foreach(document IN LISTS documents)
+    get_filename_component(folder ${document} DIRECTORY)
     file(READ ${document} text)
-    string(REGEX MATCHALL "\\]\\([^)#]+" links "${text}")
-    list(TRANSFORM links REPLACE "^\\]\\(" "")
+    string(REPLACE "](" "link=" text "${text}") # no list has a lone bracket in it
+    string(REGEX MATCHALL "link=[^)#]+" links "${text}")
+    list(TRANSFORM links REPLACE "^link=" "")
     list(FILTER links EXCLUDE REGEX "^https?:")
     foreach(link IN LISTS links)
-        if(NOT EXISTS ${DIRECTORY}/${root}/demo/${link})
+        if(NOT EXISTS ${folder}/${link})
             message(SEND_ERROR "${document} leads to ${link}, which is missing.")
         endif()
     endforeach()
