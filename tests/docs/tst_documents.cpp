@@ -119,6 +119,7 @@ private slots:
     void scripts_data() { addPages(); }
     void scripts();
     void quotedHost();
+    void pictures();
 
 private:
     void runCommand(const DocumentedCommand &command, const QString &folder);
@@ -247,6 +248,25 @@ void tst_Documents::quotedHost()
         QVERIFY2(sources.value(block.language).contains(text), qPrintable(text));
     }
     QVERIFY(quoted >= 2);
+}
+
+/// Each picture is shown by a page, is made by scripts/pictures and takes little room.
+void tst_Documents::pictures()
+{
+    QString texts;
+    const QStringList names = pages();
+    for (const QString &name : names)
+        texts += readText(root() + name);
+    const QString script = readText(root() + QStringLiteral("scripts/pictures"));
+    const QFileInfoList pictures = QDir(root() + QStringLiteral("docs"))
+                                       .entryInfoList({QStringLiteral("*.png")}, QDir::Files);
+    QVERIFY(!pictures.isEmpty());
+    for (const QFileInfo &picture : pictures) {
+        QVERIFY2(
+            texts.contains(picture.fileName() + QLatin1Char(')')), qPrintable(picture.fileName()));
+        QVERIFY2(script.contains(picture.fileName()), qPrintable(picture.fileName()));
+        QVERIFY2(picture.size() < 150 * 1024, qPrintable(picture.fileName()));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Documents)
