@@ -12,6 +12,9 @@ namespace Sensor = Simulation::Sensor;
 
 constexpr double SizeStep = 1.1;
 constexpr double MostSteps = 100; // beyond any size
+// Of the places that are looked at for somebody new, on each side of the middle.
+constexpr int Columns = 3;
+constexpr int ColumnStep = 240; // pixels
 
 PlacedViewer limited(PlacedViewer viewer)
 {
@@ -94,6 +97,12 @@ void ViewerDesk::moveTo(int id, const QPoint &center)
     change(moved);
 }
 
+void ViewerDesk::moveBy(int id, const QPoint &offset)
+{
+    const Simulation::Position position = viewer(id).position;
+    moveTo(id, QPoint(position.x, position.y) + offset);
+}
+
 void ViewerDesk::bringNearer(int id, double steps)
 {
     PlacedViewer moved = viewer(id);
@@ -145,6 +154,23 @@ int ViewerDesk::viewerAt(const QPoint &point) const
     const auto hit = std::find_if(order.rbegin(), order.rend(),
         [&point](const PlacedViewer &viewer) { return viewer.area().contains(point); });
     return hit == order.rend() ? 0 : hit->id;
+}
+
+QPoint ViewerDesk::freePlace() const
+{
+    const QPoint middle(Sensor::MaxX / 2, Sensor::MaxY / 2);
+    const QRect image(0, 0, Sensor::MaxX, Sensor::MaxY);
+    std::optional<QPoint> best;
+    const auto distance = [](const QPoint &a) { return QPoint::dotProduct(a, a); };
+    for (int right = -Columns; right <= Columns; ++right) {
+        for (int down = -Columns; down <= Columns; ++down) {
+            const QPoint offset = QPoint(right, down) * ColumnStep;
+            const bool isNearer = !best || distance(offset) < distance(*best);
+            if (isNearer && image.contains(middle + offset) && viewerAt(middle + offset) == 0)
+                best = offset;
+        }
+    }
+    return middle + best.value_or(QPoint());
 }
 
 QVector<PlacedViewer> ViewerDesk::farthestFirst() const

@@ -34,6 +34,7 @@ public:
     void clear();
 
     void moveTo(int id, const QPoint &center);
+    void moveBy(int id, const QPoint &offset);
     /// By so many steps of a tenth, fractions too; farther when they are negative.
     void bringNearer(int id, double steps);
     /// Takes all values of @p viewer over for the one with its id.
@@ -46,6 +47,9 @@ public:
     /// Who is seen at @p point: the nearest one whose face it hits, of equals the last one placed;
     /// 0: nobody.
     int viewerAt(const QPoint &point) const;
+    /// The place nearest to the middle of the image where nobody is seen; the middle itself when
+    /// there is none.
+    QPoint freePlace() const;
     QVector<PlacedViewer> farthestFirst() const; ///< the order of painting, which viewerAt() turns
 
 signals:

@@ -56,9 +56,9 @@ ViewerForm::ViewerForm(ViewerDesk *desk, QWidget *parent)
     addChoice(m_gender, tr("male"), Gender::Male);
     addChoice(m_gender, tr("not told"), Gender::Unknown);
 
-    m_lr = addAngle(layout, tr("Looks &sideways"), QStringLiteral("lr"));
+    m_lr = addAngle(layout, tr("Loo&ks sideways"), QStringLiteral("lr"));
     m_ud = addAngle(layout, tr("Looks &up"), QStringLiteral("ud"));
-    m_roll = addAngle(layout, tr("&Tilts the head"), QStringLiteral("roll"));
+    m_roll = addAngle(layout, tr("Tilts t&he head"), QStringLiteral("roll"));
 
     m_settled = addField<QCheckBox>(layout, QString(), QStringLiteral("settled"));
     m_settled->setText(tr("Sett&led"));
@@ -72,7 +72,7 @@ ViewerForm::ViewerForm(ViewerDesk *desk, QWidget *parent)
     m_noise->setToolTip(tr("How far the sensor's readings are off."));
 
     m_remove = addField<QPushButton>(layout, QString(), QStringLiteral("remove"));
-    m_remove->setText(tr("&Delete"));
+    m_remove->setText(tr("Re&move"));
 
     connectFields();
     showViewer();

@@ -22,6 +22,7 @@ private slots:
     void clear();
     void move_data();
     void move();
+    void moveBy();
     void nearer_data();
     void nearer();
     void nearerAndBack();
@@ -31,6 +32,7 @@ private slots:
     void sameAgain();
     void viewerAt_data();
     void viewerAt();
+    void freePlace();
     void selection();
     void selectNext_data();
     void selectNext();
@@ -166,6 +168,17 @@ void tst_ViewerDesk::move()
     desk.moveTo(id, to);
     QCOMPARE(QPoint(desk.viewer(id).position.x, desk.viewer(id).position.y), expected);
     QCOMPARE(changed.count(), 1);
+}
+
+void tst_ViewerDesk::moveBy()
+{
+    ViewerDesk desk;
+    desk.add({300, 400});
+    desk.moveBy(1, {-20, 50});
+    QCOMPARE(described(desk.viewers()), QStringList(QStringLiteral("1: 280,450 200")));
+    desk.moveBy(2, {1, 1}); // nobody
+    desk.moveBy(1, {-2000, 2000});
+    QCOMPARE(described(desk.viewers()), QStringList(QStringLiteral("1: 0,1199 200")));
 }
 
 void tst_ViewerDesk::nearer_data()
@@ -317,6 +330,33 @@ void tst_ViewerDesk::viewerAt()
     QCOMPARE(described(desk.farthestFirst()).join(QLatin1String(" | ")),
         QStringLiteral("3: 460,500 40 | 5: 1020,500 100 | 1: 400,500 200 | 2: 500,500 200"
                        " | 4: 1200,600 400"));
+}
+
+void tst_ViewerDesk::freePlace()
+{
+    ViewerDesk desk;
+    QCOMPARE(desk.freePlace(), QPoint(799, 599));
+    const QRect image(0, 0, Simulation::Sensor::MaxX + 1, Simulation::Sensor::MaxY + 1);
+    while (!desk.isFull()) {
+        const QPoint place = desk.freePlace();
+        QVERIFY(image.contains(place));
+        QCOMPARE(desk.viewerAt(place), 0);
+        desk.add(place);
+    }
+    // There is none left.
+    PlacedViewer nearest = desk.viewer(1);
+    for (const int x : {399, 1199}) {
+        nearest.id = x < 800 ? 1 : 2;
+        nearest.position = {x, 599, ViewerDesk::MaxSize};
+        desk.change(nearest);
+    }
+    for (int id = 3; id <= 6; ++id) {
+        nearest.id = id;
+        nearest.position.x = id % 2 == 0 ? 399 : 1199;
+        nearest.position.y = id < 5 ? 300 : 900;
+        desk.change(nearest);
+    }
+    QCOMPARE(desk.freePlace(), QPoint(799, 599));
 }
 
 void tst_ViewerDesk::selection()
