@@ -1,6 +1,8 @@
 #include "demo/player/MainWindow.h"
 
-#include "demo/player/HostPane.h"
+#include "demo/player/AskUser.h"
+#include "demo/player/ControlPane.h"
+#include "demo/player/PaneLabels.h"
 #include "demo/player/SequenceMenu.h"
 #include "demo/player/ShownText.h"
 #include "demo/player/StageDesk.h"
@@ -9,7 +11,6 @@
 #include "demo/player/StageView.h"
 #include "demo/player/ViewPane.h"
 #include "host/KrPluginGuiInterface.h"
-#include "host/KrPluginStatus.h"
 
 #include <QAction>
 #include <QApplication>
@@ -21,8 +22,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QStatusBar>
 #include <QStyleFactory>
 #include <QVBoxLayout>
@@ -34,28 +33,6 @@ namespace {
 constexpr int PaneWidth = 440;
 constexpr int Margin = 14;
 constexpr int EditMessageTimeout = 10000; // ms
-
-QFont scaled(QFont font, qreal factor, int weight)
-{
-    font.setPointSizeF(font.pointSizeF() * factor);
-    font.setWeight(weight);
-    return font;
-}
-
-QLabel *createLabel(const QString &objectName, QWidget *parent)
-{
-    auto *const label = new QLabel(parent);
-    label->setObjectName(objectName);
-    label->setTextFormat(Qt::PlainText); // most texts come from files
-    return label;
-}
-
-void makeFaint(QLabel *label)
-{
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, QColor(0x9a, 0xa5, 0xb1));
-    label->setPalette(palette);
-}
 
 QPalette darkPalette()
 {
@@ -78,33 +55,6 @@ QPalette darkPalette()
     palette.setColor(QPalette::Disabled, QPalette::Text, disabled);
     palette.setColor(QPalette::Disabled, QPalette::ButtonText, disabled);
     return palette;
-}
-
-/// Opens a message box, whose text may come from a file and is no HTML; returns the answer.
-int ask(QMessageBox::Icon icon, const QString &title, const QString &text,
-    QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
-    QWidget *parent)
-{
-    QMessageBox box(icon, title, text, buttons, parent);
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(defaultButton);
-    return box.exec();
-}
-
-QColor statusColor(int status)
-{
-    switch (status) {
-    case Kora::Status::Started:
-        return {0x2f, 0x9e, 0x5b};
-    case Kora::Status::Starting:
-    case Kora::Status::Stopping:
-    case Kora::Status::Initializing:
-        return {0xc9, 0x8a, 0x1b};
-    case Kora::Status::Paused:
-        return {0x3a, 0x78, 0xc2};
-    default:
-        return {0x55, 0x60, 0x6c};
-    }
 }
 
 } // namespace
@@ -133,15 +83,11 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     statusBar()->addWidget(m_files);
     statusBar()->setSizeGripEnabled(false);
 
-    connect(&player->host(), &PluginHost::statusChanged, this, &MainWindow::showStatus);
-    connect(player, &StagePlayer::currentChanged, this, &MainWindow::showCurrent);
     connect(player, &StagePlayer::stageChanged, this, &MainWindow::showStage);
     connect(&player->log(), &EventLog::appended, this, [this](const PlayerEvent &event) {
         if (event.kind == PlayerEvent::Edit) // too long for the list
             statusBar()->showMessage(event.details, EditMessageTimeout);
     });
-    showStatus(player->host().status());
-    showCurrent();
     showStage();
     resize(1480, 700 + menuBar()->sizeHint().height()); // the stage fills its side
 }
@@ -153,13 +99,7 @@ void MainWindow::applyTheme()
 
 void MainWindow::showPluginInformation()
 {
-    const PluginInformation plugin = m_player->host().information();
-    m_icon->setPixmap(QPixmap::fromImage(plugin.icon));
-    m_name->setText(QStringLiteral("%1 %2").arg(plugin.name, plugin.version));
-    m_vendor->setText(plugin.vendor);
-    m_vendor->setToolTip(plugin.copyright + QLatin1Char('\n') + plugin.url);
-    m_description->setText(plugin.description);
-
+    m_controls->showPluginInformation();
     fillPluginMenu();
     showFiles();
 }
@@ -335,7 +275,7 @@ void MainWindow::createLargeAction()
     large->setCheckable(true);
     connect(large, &QAction::toggled, this, [this](bool isLarge) {
         m_stagePart->setVisible(!isLarge);
-        m_controlPart->setVisible(!isLarge);
+        m_controls->setVisible(!isLarge);
         m_pane->setMinimumWidth(isLarge ? 0 : PaneWidth);
         m_pane->setMaximumWidth(isLarge ? QWIDGETSIZE_MAX : PaneWidth);
     });
@@ -348,23 +288,10 @@ QWidget *MainWindow::createPane()
     auto *const layout = new QVBoxLayout(pane);
     layout->setContentsMargins(Margin, Margin, Margin, Margin / 2);
     layout->setSpacing(Margin * 2 / 3);
-    m_controlPart = createControlPart();
-    layout->addWidget(m_controlPart);
+    m_controls = new ControlPane(m_player, m_desk, pane);
+    layout->addWidget(m_controls);
     layout->addWidget(createViews(), 1);
     return pane;
-}
-
-QWidget *MainWindow::createControlPart()
-{
-    auto *const part = new QWidget(this);
-    auto *const layout = new QVBoxLayout(part);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Margin * 2 / 3);
-    layout->addWidget(createHeader());
-    layout->addWidget(createStatusRow());
-    layout->addWidget(new HostPane(m_player, m_desk, part));
-    layout->addWidget(createControls());
-    return part;
 }
 
 QWidget *MainWindow::createViews()
@@ -379,91 +306,6 @@ QWidget *MainWindow::createViews()
         },
         Qt::QueuedConnection);
     return views;
-}
-
-QWidget *MainWindow::createHeader()
-{
-    auto *const header = new QWidget(this);
-    m_icon = createLabel(QStringLiteral("icon"), header);
-    m_icon->setFixedSize(44, 44);
-    m_icon->setAlignment(Qt::AlignCenter);
-    // The plug-in's icon may be dark.
-    m_icon->setStyleSheet(QStringLiteral("background-color: #e4e8ec; border-radius: 8px;"));
-    m_name = createLabel(QStringLiteral("name"), header);
-    m_name->setFont(scaled(m_name->font(), 1.35, QFont::Bold));
-    m_vendor = createLabel(QStringLiteral("vendor"), header);
-    makeFaint(m_vendor);
-    m_description = createLabel(QStringLiteral("description"), header);
-    m_description->setWordWrap(true);
-    m_description->setFont(scaled(m_description->font(), 0.85, QFont::Normal));
-    makeFaint(m_description);
-
-    auto *const names = new QVBoxLayout;
-    names->setSpacing(0);
-    names->addWidget(m_name);
-    names->addWidget(m_vendor);
-    auto *const top = new QHBoxLayout;
-    top->setSpacing(Margin);
-    top->addWidget(m_icon);
-    top->addLayout(names, 1);
-    auto *const layout = new QVBoxLayout(header);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addLayout(top);
-    layout->addWidget(m_description);
-    return header;
-}
-
-QWidget *MainWindow::createStatusRow()
-{
-    auto *const row = new QWidget(this);
-    m_status = createLabel(QStringLiteral("status"), row);
-    m_status->setFont(scaled(m_status->font(), 1.0, QFont::DemiBold));
-    m_current = createLabel(QStringLiteral("current"), row);
-    m_current->setFont(scaled(m_current->font(), 1.1, QFont::DemiBold));
-    m_current->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(Margin);
-    layout->addWidget(m_status);
-    layout->addWidget(m_current, 1);
-    return row;
-}
-
-QWidget *MainWindow::createControls()
-{
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    PluginHost *const host = &m_player->host();
-    const auto add = [&](const QString &name, const QString &text, bool (PluginHost::*call)()) {
-        auto *const button = new QPushButton(text, row);
-        button->setObjectName(name);
-        connect(button, &QPushButton::clicked, host, [host, call] { (host->*call)(); });
-        layout->addWidget(button);
-    };
-    add(QStringLiteral("start"), tr("&Start"), &PluginHost::start);
-    add(QStringLiteral("stop"), tr("S&top"), &PluginHost::stop);
-    add(QStringLiteral("pause"), tr("&Pause"), &PluginHost::pause);
-    add(QStringLiteral("reload"), tr("&Reload"), &PluginHost::reload);
-    return row;
-}
-
-void MainWindow::showStatus(int status)
-{
-    m_status->setText(
-        QStringLiteral("%1  %2").arg(QString::number(status), PluginHost::statusText(status)));
-    m_status->setStyleSheet(
-        QStringLiteral("background-color: %1; color: white; border-radius: 9px; padding: 3px 10px;")
-            .arg(statusColor(status).name()));
-}
-
-void MainWindow::showCurrent()
-{
-    const StageContent &content = m_player->current();
-    m_current->setText(content.number == 0
-            ? tr("Nothing switched yet")
-            : QStringLiteral("#%1  %2").arg(QString::number(content.number), content.name));
-    m_current->setToolTip(plainToolTip(m_current->text()));
 }
 
 } // namespace Player

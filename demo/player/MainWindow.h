@@ -10,6 +10,7 @@ class QRect;
 
 namespace Player {
 
+class ControlPane;
 class StageDesk;
 class StagePlayer;
 
@@ -49,27 +50,15 @@ private:
     void createLargeAction();
     QWidget *createStagePart();
     QWidget *createPane();
-    QWidget *createControlPart();
     QWidget *createViews();
-    QWidget *createHeader();
-    QWidget *createStatusRow();
-    QWidget *createControls();
-    void showStatus(int status);
-    void showCurrent();
 
     StagePlayer *m_player; // not owned
     // children of this
     StageDesk *m_desk;
-    QLabel *m_icon = nullptr;
-    QLabel *m_name = nullptr;
-    QLabel *m_vendor = nullptr;
-    QLabel *m_description = nullptr;
-    QLabel *m_status = nullptr;
-    QLabel *m_current = nullptr;
+    ControlPane *m_controls = nullptr;
     QLabel *m_files = nullptr;
     QWidget *m_stagePart = nullptr;
     QWidget *m_pane = nullptr;
-    QWidget *m_controlPart = nullptr;
     QMenu *m_viewMenu = nullptr;
     QMenu *m_pluginMenu = nullptr;
     QMenu *m_editMenu = nullptr;
