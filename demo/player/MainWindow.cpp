@@ -18,10 +18,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QStyleFactory>
 #include <QVBoxLayout>
@@ -32,6 +32,8 @@ namespace {
 
 constexpr int PaneWidth = 440;
 constexpr int Margin = 14;
+constexpr int WindowWidth = 1480;
+constexpr int StageStretch = 255; // beside 1 of the views
 constexpr int EditMessageTimeout = 10000; // ms
 
 QPalette darkPalette()
@@ -66,15 +68,7 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
 {
     setPalette(darkPalette());
     createMenus();
-    auto *const central = new QWidget(this);
-    auto *const layout = new QHBoxLayout(central);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    m_stagePart = createStagePart();
-    layout->addWidget(m_stagePart, 1);
-    m_pane = createPane();
-    layout->addWidget(m_pane);
-    setCentralWidget(central);
+    createParts();
     createLargeAction();
 
     m_files = createLabel(QStringLiteral("files"), this);
@@ -89,7 +83,7 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
             statusBar()->showMessage(event.details, EditMessageTimeout);
     });
     showStage();
-    resize(1480, 700 + menuBar()->sizeHint().height()); // the stage fills its side
+    resize(WindowWidth, 700 + menuBar()->sizeHint().height()); // the stage fills its side
 }
 
 void MainWindow::applyTheme()
@@ -254,6 +248,21 @@ bool MainWindow::mayClose()
     return answer == QMessageBox::Discard;
 }
 
+/// The stage is what gets larger with the window, and the views where there is no stage.
+void MainWindow::createParts()
+{
+    m_parts = new QSplitter(this);
+    m_parts->setObjectName(QStringLiteral("parts"));
+    m_parts->setChildrenCollapsible(false);
+    m_stagePart = createStagePart();
+    m_parts->addWidget(m_stagePart);
+    m_parts->addWidget(createPane());
+    m_parts->setStretchFactor(0, StageStretch);
+    m_parts->setStretchFactor(1, 1);
+    m_parts->setSizes({WindowWidth - PaneWidth, PaneWidth});
+    setCentralWidget(m_parts);
+}
+
 QWidget *MainWindow::createStagePart()
 {
     auto *const part = new QWidget(this);
@@ -276,15 +285,12 @@ void MainWindow::createLargeAction()
     connect(large, &QAction::toggled, this, [this](bool isLarge) {
         m_stagePart->setVisible(!isLarge);
         m_controls->setVisible(!isLarge);
-        m_pane->setMinimumWidth(isLarge ? 0 : PaneWidth);
-        m_pane->setMaximumWidth(isLarge ? QWIDGETSIZE_MAX : PaneWidth);
     });
 }
 
 QWidget *MainWindow::createPane()
 {
     auto *const pane = new QWidget(this);
-    pane->setFixedWidth(PaneWidth);
     auto *const layout = new QVBoxLayout(pane);
     layout->setContentsMargins(Margin, Margin, Margin, Margin / 2);
     layout->setSpacing(Margin * 2 / 3);

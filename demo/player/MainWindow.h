@@ -7,6 +7,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QRect;
+class QSplitter;
 
 namespace Player {
 
@@ -48,6 +49,7 @@ private:
     bool saveInto(const QString &fileName);
     bool mayClose();
     void createLargeAction();
+    void createParts();
     QWidget *createStagePart();
     QWidget *createPane();
     QWidget *createViews();
@@ -57,8 +59,8 @@ private:
     StageDesk *m_desk;
     ControlPane *m_controls = nullptr;
     QLabel *m_files = nullptr;
+    QSplitter *m_parts = nullptr;
     QWidget *m_stagePart = nullptr;
-    QWidget *m_pane = nullptr;
     QMenu *m_viewMenu = nullptr;
     QMenu *m_pluginMenu = nullptr;
     QMenu *m_editMenu = nullptr;

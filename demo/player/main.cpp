@@ -4,6 +4,7 @@
 #include "demo/player/PluginReport.h"
 #include "demo/player/StagePlayer.h"
 #include "demo/player/TerminationNotifier.h"
+#include "demo/player/WindowState.h"
 #include "demo/support/PluginFile.h"
 #include "demo/support/SimulatorVariables.h"
 #include "demo/support/UserFile.h"
@@ -125,6 +126,20 @@ void tellSimulator(const Options &options)
     setPathVariable(Demo::ScenarioVariable, options.scenarioFile);
 }
 
+/// One that is asked for a picture, or for some seconds, is to look the same everywhere.
+bool isUsersOwn(const Options &options)
+{
+    return !options.milliseconds && options.screenshotFile.isEmpty();
+}
+
+void rememberState(MainWindow *window)
+{
+    const QString file = WindowState::defaultFile();
+    WindowState::restore(window, file);
+    QObject::connect(
+        window, &MainWindow::closed, window, [window, file] { WindowState::save(window, file); });
+}
+
 bool saveScreenshot(StagePlayer &player, MainWindow *window, const QString &fileName)
 {
     if (Demo::UserFile::isNoFile(fileName))
@@ -161,6 +176,8 @@ int play(const Order &order)
         closeOwnConsoleWindow();
         MainWindow::applyTheme();
         window = std::make_unique<MainWindow>(&player);
+        if (isUsersOwn(options))
+            rememberState(window.get());
         // Below a dialog of the plug-in it is not the last window.
         QObject::connect(window.get(), &MainWindow::closed, qApp, &QCoreApplication::quit);
         window->show();
