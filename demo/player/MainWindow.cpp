@@ -3,6 +3,7 @@
 #include "demo/player/AskUser.h"
 #include "demo/player/ControlPane.h"
 #include "demo/player/PaneLabels.h"
+#include "demo/player/PlacingDesk.h"
 #include "demo/player/SequenceMenu.h"
 #include "demo/player/ShownText.h"
 #include "demo/player/StageDesk.h"
@@ -34,7 +35,7 @@ constexpr int PaneWidth = 440;
 constexpr int Margin = 14;
 constexpr int WindowWidth = 1480;
 constexpr int StageStretch = 255; // beside 1 of the views
-constexpr int EditMessageTimeout = 10000; // ms
+constexpr int MessageTimeout = 10000; // ms
 
 QPalette darkPalette()
 {
@@ -80,7 +81,7 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     connect(player, &StagePlayer::stageChanged, this, &MainWindow::showStage);
     connect(&player->log(), &EventLog::appended, this, [this](const PlayerEvent &event) {
         if (event.kind == PlayerEvent::Edit) // too long for the list
-            statusBar()->showMessage(event.details, EditMessageTimeout);
+            statusBar()->showMessage(event.details, MessageTimeout);
     });
     showStage();
     resize(WindowWidth, 700 + menuBar()->sizeHint().height()); // the stage fills its side
@@ -257,9 +258,10 @@ void MainWindow::createParts()
     m_stagePart = createStagePart();
     m_parts->addWidget(m_stagePart);
     m_parts->addWidget(createPane());
+    m_parts->addWidget(m_placing->pane());
     m_parts->setStretchFactor(0, StageStretch);
     m_parts->setStretchFactor(1, 1);
-    m_parts->setSizes({WindowWidth - PaneWidth, PaneWidth});
+    m_parts->setSizes({WindowWidth - PaneWidth, PaneWidth, 0});
     setCentralWidget(m_parts);
 }
 
@@ -311,6 +313,11 @@ QWidget *MainWindow::createViews()
             editContent(number - 1, {views->mapToGlobal(QPoint()), views->size()});
         },
         Qt::QueuedConnection);
+    m_placing = new PlacingDesk(m_player, views, this);
+    m_placing->menu()->setPalette(palette());
+    menuBar()->addMenu(m_placing->menu());
+    connect(m_placing, &PlacingDesk::told, this,
+        [this](const QString &message) { statusBar()->showMessage(message, MessageTimeout); });
     return views;
 }
 

@@ -12,6 +12,7 @@ class QSplitter;
 namespace Player {
 
 class ControlPane;
+class PlacingDesk;
 class StageDesk;
 class StagePlayer;
 
@@ -58,6 +59,7 @@ private:
     // children of this
     StageDesk *m_desk;
     ControlPane *m_controls = nullptr;
+    PlacingDesk *m_placing = nullptr;
     QLabel *m_files = nullptr;
     QSplitter *m_parts = nullptr;
     QWidget *m_stagePart = nullptr;

@@ -23,6 +23,12 @@ namespace {
 constexpr int StatusInterval = 100; // ms; the plug-in has no signal for its status
 constexpr int StopTimeout = 1000; // ms
 
+bool isRunning(int status)
+{
+    // Pausing leaves the sensor program running.
+    return status == Status::Starting || status == Status::Started || status == Status::Paused;
+}
+
 QString linesOf(const QJsonValue &value)
 {
     if (!value.isArray())
@@ -100,8 +106,7 @@ bool PluginHost::update(const Stage::StageFile &stage, int screenId)
     handOver(stage, screenId);
     bool ok = call(QStringLiteral("init"), &Kora::KrPluginExtScreenInterface::init);
     // A new initialisation ends the sensor program, also that of a paused plug-in.
-    if (guard
-        && (before == Status::Starting || before == Status::Started || before == Status::Paused))
+    if (guard && isRunning(before))
         ok = start() && ok;
     if (guard && before == Status::Paused)
         ok = pause() && ok;
@@ -159,11 +164,22 @@ void PluginHost::requestSequence(int number)
         m_plugin->requestSequenceNumber(number); // nothing after it: this may have gone
 }
 
+bool PluginHost::restart()
+{
+    const int before = status();
+    if (!isRunning(before))
+        return true;
+    const QPointer<PluginHost> guard(this); // see call()
+    finish();
+    bool ok = guard && start();
+    if (guard && before == Status::Paused)
+        ok = pause() && ok;
+    return ok;
+}
+
 void PluginHost::finish()
 {
-    // Pausing leaves the sensor program running, so a paused plug-in is stopped as well.
-    const int before = status();
-    if (before == Status::Starting || before == Status::Started || before == Status::Paused) {
+    if (isRunning(status())) {
         stop();
         const QDeadlineTimer deadline(StopTimeout);
         while (status() == Status::Stopping && !deadline.hasExpired()) {

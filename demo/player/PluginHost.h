@@ -73,6 +73,10 @@ public:
     /// by contentStarted() unless there is no such sequence or it is held back.
     void requestSequence(int number);
 
+    /// Stops a running plug-in and starts it again, with a new sensor program; a paused one is
+    /// paused again. Does nothing otherwise. As finish() it lets events pass.
+    bool restart();
+
     /// Stops a running plug-in and lets events pass until it says so. Does nothing otherwise.
     void finish();
     /// Finishes and deletes the plug-in together with its panel: take that off its scene first.

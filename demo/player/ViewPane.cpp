@@ -40,9 +40,17 @@ ViewPane::ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent)
     desk->shown().showAgain();
 }
 
+void ViewPane::showSensorView()
+{
+    m_desk->shown().follow();
+    m_tabs->setCurrentWidget(m_sensorView);
+    m_sensorView->setFocus();
+}
+
 void ViewPane::addSensorView()
 {
     auto *const view = new SensorView(this);
+    m_sensorView = view;
     view->setObjectName(QStringLiteral("sensor"));
     addFrameView(view, tr("Sens&or"));
     m_tabs->setCurrentWidget(view); // whoever sees this for the first time looks before he reads
@@ -100,7 +108,7 @@ void ViewPane::createPickedBar()
     m_pickedBar->setObjectName(QStringLiteral("pickedBar"));
     m_picked = new QLabel(m_pickedBar);
     m_picked->setObjectName(QStringLiteral("picked"));
-    auto *const button = new QPushButton(tr("Back to &now"), m_pickedBar);
+    auto *const button = new QPushButton(tr("&Back to now"), m_pickedBar);
     button->setObjectName(QStringLiteral("follow"));
     button->setToolTip(tr("Show the newest frame again (Esc)"));
     button->setShortcut(Qt::Key_Escape);

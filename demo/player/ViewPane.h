@@ -9,6 +9,10 @@ class QAction;
 class QLabel;
 class QTabWidget;
 
+namespace Desk {
+class SensorView;
+}
+
 namespace Player {
 
 class StageDesk;
@@ -25,6 +29,8 @@ public:
     ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent = nullptr);
 
     QList<QAction *> tabActions() const { return m_tabActions; } ///< one for each tab, with a key
+    Desk::SensorView *sensorView() const { return m_sensorView; }
+    void showSensorView(); ///< its tab, with the newest frame and the keyboard
 
 signals:
     void contentActivated(int number); ///< somebody wants to see or edit it; counted from 1
@@ -44,6 +50,7 @@ private:
     QWidget *m_pickedBar = nullptr;
     QLabel *m_picked = nullptr;
     QTabWidget *m_tabs = nullptr;
+    Desk::SensorView *m_sensorView = nullptr;
 };
 
 } // namespace Player

@@ -25,6 +25,8 @@ private slots:
     void update_data();
     void update();
     void updateOfNothing();
+    void restart_data();
+    void restart();
     void gui();
     void guiSignals();
     void lifecycle();
@@ -40,6 +42,7 @@ private slots:
 private:
     static QStringList calls() { return qApp->property("fakeCalls").toStringList(); }
     static StageFile stage(const QByteArray &settings = "{}");
+    static void run(PluginHost *host, const QStringList &operations);
 };
 
 StageFile tst_PluginHost::stage(const QByteArray &settings)
@@ -49,6 +52,18 @@ StageFile tst_PluginHost::stage(const QByteArray &settings)
             + R"(}, {"id": 6, "event": []}]})",
         QStringLiteral("s.json"), &error)
         .value_or(StageFile());
+}
+
+void tst_PluginHost::run(PluginHost *host, const QStringList &operations)
+{
+    for (const QString &operation : operations) {
+        if (operation == QLatin1String("start"))
+            host->start();
+        else if (operation == QLatin1String("stop"))
+            host->stop();
+        else
+            host->pause();
+    }
 }
 
 void tst_PluginHost::init()
@@ -142,14 +157,7 @@ void tst_PluginHost::update()
     PluginHost host;
     QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
     QVERIFY(host.setUp(stage(), 5, QString()));
-    for (const QString &operation : before) {
-        if (operation == QLatin1String("start"))
-            host.start();
-        else if (operation == QLatin1String("stop"))
-            host.stop();
-        else
-            host.pause();
-    }
+    run(&host, before);
     qApp->setProperty("fakeCalls", QStringList());
     QVERIFY(host.update(stage(R"({"interval": 7})"), 5));
     QCOMPARE(calls(),
@@ -159,6 +167,39 @@ void tst_PluginHost::update()
     QCOMPARE(host.status(), status);
     QCOMPARE(host.pluginData().value(QStringLiteral("plugindata")).toMap(),
         QVariantMap({{QStringLiteral("interval"), 7}}));
+}
+
+void tst_PluginHost::restart_data()
+{
+    QTest::addColumn<QStringList>("before");
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<int>("status");
+
+    const QString start = QStringLiteral("start");
+    const QString stop = QStringLiteral("stop");
+    const QString pause = QStringLiteral("pause");
+    QTest::newRow("what never started stays so") << QStringList() << QStringList() << 110;
+    QTest::newRow("what runs is started again")
+        << QStringList{start} << QStringList{stop, start} << 102;
+    QTest::newRow("what is paused is paused again")
+        << QStringList{start, pause} << QStringList{stop, start, pause} << 101;
+    QTest::newRow("what is stopping stays so") << QStringList{start, stop} << QStringList() << 104;
+}
+
+void tst_PluginHost::restart()
+{
+    QFETCH(QStringList, before);
+    QFETCH(QStringList, calls);
+    QFETCH(int, status);
+
+    PluginHost host;
+    QVERIFY(host.load(QStringLiteral(KRHVC_FAKE_PLUGIN_FILE)));
+    QVERIFY(host.setUp(stage(), 5, QString()));
+    run(&host, before);
+    qApp->setProperty("fakeCalls", QStringList());
+    QVERIFY(host.restart());
+    QCOMPARE(tst_PluginHost::calls(), calls);
+    QCOMPARE(host.status(), status);
 }
 
 void tst_PluginHost::updateOfNothing()

@@ -9,6 +9,7 @@
 #include "host/KrPluginGuiInterface.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -182,6 +183,14 @@ void tst_ViewPane::mnemonics()
     const auto buttons = m_window->findChildren<QPushButton *>();
     for (const QPushButton *const button : buttons)
         texts << button->text();
+    const auto boxes = m_window->findChildren<QCheckBox *>();
+    for (const QCheckBox *const box : boxes)
+        texts << box->text();
+    const auto labels = m_window->findChildren<QLabel *>();
+    for (const QLabel *const label : labels) {
+        if (!QKeySequence::mnemonic(label->text()).isEmpty()) // a title of a row may have none
+            texts << label->text();
+    }
     const auto menus = m_window->menuBar()->actions();
     for (const QAction *const menu : menus)
         texts << menu->text();
