@@ -1,7 +1,5 @@
 #include "demo/desk/LogDay.h"
-#include "tests/desk/DeskFrames.h"
 #include "tests/desk/LogText.h"
-#include "tests/support/Files.h"
 #include "tests/support/TimeZone.h"
 
 #include <QTemporaryDir>
@@ -15,19 +13,10 @@ namespace {
 
 const QDate Day(2018, 2, 1);
 constexpr int RestrictionMs = 5000;
-constexpr int AllEntries = 1000000;
 
 QDateTime at(const QTime &time)
 {
     return {Day, time};
-}
-
-/// "09:30:00", or with a date before it.
-QDateTime moment(const QString &text)
-{
-    return text.contains(QLatin1Char(' '))
-        ? QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd HH:mm:ss"))
-        : at(QTime::fromString(text, QStringLiteral("HH:mm:ss")));
 }
 
 QString woman()
@@ -41,16 +30,6 @@ QString boy()
     boy.age = "8";
     boy.gender = "Male";
     return frameText({boy});
-}
-
-/// A frame with nobody for each of @p times, which are separated by commas.
-QByteArray logOf(const QString &times)
-{
-    LogText log;
-    const QStringList all = times.split(QStringLiteral(", "));
-    for (const QString &time : all)
-        log.frame(moment(time), nobodyText());
-    return log.bytes();
 }
 
 /// @p frames twice a second, by turns a woman and, in every third frame, a boy; with what the
@@ -133,13 +112,7 @@ QString tst_LogDay::write(const QByteArray &log) const
 
 std::unique_ptr<LogDay> tst_LogDay::read(const QByteArray &log) const
 {
-    QString error;
-    std::unique_ptr<LogDay> day = LogDay::open(write(log), shopPlan(), &error);
-    if (day)
-        day->read(AllEntries);
-    else
-        qWarning("%s", qPrintable(error));
-    return day;
+    return readDay(m_directory.filePath(QStringLiteral("log.txt")), log);
 }
 
 void tst_LogDay::objections_data()
