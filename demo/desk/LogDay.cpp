@@ -108,6 +108,7 @@ bool LogDay::read(int entries)
             append(*frame);
         spreadLastSecond();
         m_source.reset();
+        m_pages.clear(); // the last ones have grown
     }
     return !isRead();
 }

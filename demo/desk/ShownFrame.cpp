@@ -9,11 +9,11 @@ ShownFrame::ShownFrame(const FrameHistory *history, QObject *parent)
     , m_history(history)
 {
     connect(history, &FrameHistory::frameAdded, this, [this](const SeenFrame &frame) {
-        if (!m_isPicked)
+        if (!isPicked())
             show(frame);
     });
     connect(history, &FrameHistory::planChanged, this, [this] {
-        if (!m_isPicked)
+        if (!isPicked())
             showNewest();
     });
 }
@@ -29,6 +29,8 @@ void ShownFrame::showAgain()
 
 void ShownFrame::pick(const SeenFrame &frame)
 {
+    if (m_isLogOpen)
+        return;
     const bool wasPicked = m_isPicked;
     m_isPicked = true;
     m_picked = frame;
@@ -39,9 +41,35 @@ void ShownFrame::pick(const SeenFrame &frame)
 
 void ShownFrame::follow()
 {
-    if (!m_isPicked)
+    if (!m_isPicked || m_isLogOpen)
         return;
     m_isPicked = false;
+    emit pickedChanged(false);
+    showNewest();
+}
+
+void ShownFrame::openLog(const std::shared_ptr<const Analysis::Plan> &plan)
+{
+    m_isLogOpen = true;
+    m_isPicked = false;
+    emit pickedChanged(true);
+    showPlan(plan);
+    showNothing();
+}
+
+void ShownFrame::showLogged(const SeenFrame &frame)
+{
+    if (!m_isLogOpen)
+        return;
+    m_number = frame.number;
+    emit frameShown(frame);
+}
+
+void ShownFrame::closeLog()
+{
+    if (!m_isLogOpen)
+        return;
+    m_isLogOpen = false;
     emit pickedChanged(false);
     showNewest();
 }
@@ -69,6 +97,11 @@ void ShownFrame::showNewest()
         return;
     }
     showPlan(plan);
+    showNothing();
+}
+
+void ShownFrame::showNothing()
+{
     m_number = 0;
     emit nothingShown();
 }

@@ -86,6 +86,13 @@ void TimelineView::setNow(const QDateTime &time)
     update();
 }
 
+void TimelineView::showModel(const TimelineModel &model)
+{
+    m_model = model;
+    m_hovered = -1;
+    update();
+}
+
 void TimelineView::markMoment(const QDateTime &time)
 {
     m_marked = time;

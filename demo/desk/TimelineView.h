@@ -33,6 +33,7 @@ public slots:
     void addFrame(const Desk::SeenFrame &frame);
     void sequenceStarted(int number, const QDateTime &time); ///< 0: none plays any more
     void setNow(const QDateTime &time);
+    void showModel(const Desk::TimelineModel &model); ///< instead of all that came before
     /// Marks the moment that other views show; an invalid one for none.
     void markMoment(const QDateTime &time);
     void clear(); ///< of everything but the plan

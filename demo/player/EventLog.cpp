@@ -87,6 +87,13 @@ void EventLog::append(const PlayerEvent &event)
     emit appended(kept);
 }
 
+void EventLog::clear()
+{
+    beginResetModel();
+    m_events.clear();
+    endResetModel();
+}
+
 int EventLog::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_events.size());

@@ -43,6 +43,7 @@ public:
     explicit EventLog(QObject *parent = nullptr);
 
     void append(const PlayerEvent &event);
+    void clear();
     const PlayerEvent &at(int row) const { return m_events.at(static_cast<size_t>(row)); }
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;

@@ -2,6 +2,7 @@
 
 #include "demo/player/AskUser.h"
 #include "demo/player/ControlPane.h"
+#include "demo/player/LogToolBar.h"
 #include "demo/player/PaneLabels.h"
 #include "demo/player/PlacingDesk.h"
 #include "demo/player/SequenceMenu.h"
@@ -66,11 +67,13 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
     : QMainWindow(parent)
     , m_player(player)
     , m_desk(new StageDesk(player, this))
+    , m_log(new LogToolBar(player, &m_desk->log(), this))
 {
     setPalette(darkPalette());
     createMenus();
     createParts();
     createLargeAction();
+    addToolBar(Qt::BottomToolBarArea, m_log);
 
     m_files = createLabel(QStringLiteral("files"), this);
     makeFaint(m_files);
@@ -90,6 +93,11 @@ MainWindow::MainWindow(StagePlayer *player, QWidget *parent)
 void MainWindow::applyTheme()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+}
+
+bool MainWindow::openLog(const QString &fileName)
+{
+    return m_log->open(fileName);
 }
 
 void MainWindow::showPluginInformation()
@@ -120,6 +128,8 @@ void MainWindow::createMenus()
         this, &MainWindow::save);
     connect(add(QStringLiteral("saveAs"), tr("Save stage &as..."), tr("Ctrl+Shift+S")),
         &QAction::triggered, this, &MainWindow::saveAs);
+    file->addSeparator();
+    file->addActions(m_log->menuActions());
     file->addSeparator();
     connect(add(QStringLiteral("close"), tr("&Close"), tr("Ctrl+Q")), &QAction::triggered, this,
         &QWidget::close);

@@ -12,6 +12,7 @@ class QSplitter;
 namespace Player {
 
 class ControlPane;
+class LogToolBar;
 class PlacingDesk;
 class StageDesk;
 class StagePlayer;
@@ -28,6 +29,7 @@ public:
     /// One style for all systems. The dark colours are the window's own: a plug-in's dialogs may
     /// count on the usual ones.
     static void applyTheme();
+    bool openLog(const QString &fileName); ///< a day of the log; false after a message
 
 public slots:
     void showPluginInformation(); ///< call it when the plug-in is loaded and has begun
@@ -58,6 +60,7 @@ private:
     StagePlayer *m_player; // not owned
     // children of this
     StageDesk *m_desk;
+    LogToolBar *m_log;
     ControlPane *m_controls = nullptr;
     PlacingDesk *m_placing = nullptr;
     QLabel *m_files = nullptr;

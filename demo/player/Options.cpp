@@ -58,6 +58,8 @@ struct Parser
         tr("Load the plug-in <FILE> (default: KrHvcP2 beside the program)."));
     QCommandLineOption logDirectory = valueOption(QStringLiteral("log-dir"), QStringLiteral("DIR"),
         tr("Let the plug-in write its log below <DIR>, which is created when missing."));
+    QCommandLineOption log = valueOption(QStringLiteral("log"), QStringLiteral("FILE"),
+        tr("Look through <FILE>, a day of the plug-in's log, without starting the plug-in."));
     QCommandLineOption info = valueOption(QStringLiteral("info"), QStringLiteral("FILE"),
         tr("Say what the plug-in <FILE> is and why it loads or does not, and end."));
     QCommandLineOption screenshot = valueOption(QStringLiteral("screenshot"),
@@ -84,7 +86,7 @@ struct Parser
     {
         parser.setApplicationDescription(tr("Plays a stage as the host application does and lets "
                                             "the plug-in choose its sequences."));
-        parser.addOptions({headless, seconds, stage, screen, plugin, logDirectory, screenshot,
+        parser.addOptions({headless, seconds, stage, screen, plugin, logDirectory, screenshot, log,
             replay, scenario, switching, idle, proof, info});
     }
 
@@ -196,6 +198,8 @@ Options Options::fromArguments(const QStringList &arguments, const QString &prog
     }
     if (parser.isSet(given.replay) && parser.isSet(given.scenario))
         return refuse(tr("--replay and --scenario exclude each other."));
+    if (parser.isSet(given.log) && parser.isSet(given.headless))
+        return refuse(tr("--log and --headless exclude each other."));
 
     const QDir directory(programDirectory);
     options.headless = parser.isSet(given.headless);
@@ -205,6 +209,7 @@ Options Options::fromArguments(const QStringList &arguments, const QString &prog
     options.logDirectory = given.path(given.logDirectory, defaultLogDirectory());
     options.screenshotFile = given.path(given.screenshot);
     options.proofFile = given.path(given.proof);
+    options.logFile = given.path(given.log);
     options.replayFile = given.path(given.replay);
     options.scenarioFile = given.path(given.scenario);
     return options;

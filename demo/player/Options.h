@@ -26,6 +26,7 @@ struct Options
     QString logDirectory;
     QString screenshotFile; ///< empty: none
     QString proofFile; ///< empty: none
+    QString logFile; ///< a day to be looked at; empty: none
     QString replayFile; ///< empty: none
     QString scenarioFile; ///< empty: none
     Programme::Switching switching = Programme::Switching::Now;

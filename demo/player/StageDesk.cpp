@@ -27,6 +27,7 @@ StageDesk::StageDesk(StagePlayer *player, QObject *parent)
     , m_player(player)
     , m_history(Analysis::planOf(player->stage(), player->screenId()))
     , m_shown(&m_history)
+    , m_log(player, &m_history, &m_shown)
 {
     connect(&m_frames, &PluginFrames::delivered, &m_history,
         qOverload<const PluginTurn &>(&FrameHistory::take));

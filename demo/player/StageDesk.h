@@ -3,6 +3,7 @@
 #include "demo/desk/FrameHistory.h"
 #include "demo/desk/PluginFrames.h"
 #include "demo/desk/ShownFrame.h"
+#include "demo/player/LogDesk.h"
 
 #include <QObject>
 #include <QString>
@@ -24,6 +25,7 @@ public:
     const Desk::FrameHistory &history() const { return m_history; }
     const Desk::PluginFrames &sensor() const { return m_frames; }
     Desk::ShownFrame &shown() { return m_shown; }
+    LogDesk &log() { return m_log; } ///< what is shown instead of the frames, when it is open
 
     /// Shows the frame that came with @p event. False when none is kept of that time.
     bool pickFrameOf(const PlayerEvent &event);
@@ -36,6 +38,7 @@ private:
     Desk::PluginFrames m_frames;
     Desk::FrameHistory m_history;
     Desk::ShownFrame m_shown;
+    LogDesk m_log;
 };
 
 } // namespace Player

@@ -3,6 +3,7 @@
 #include "demo/player/StageChanges.h"
 #include "host/KrPluginKeys.h"
 #include "host/KrPluginLogLevel.h"
+#include "host/KrPluginStatus.h"
 
 #include <QDir>
 #include <QPointer>
@@ -91,8 +92,7 @@ StagePlayer::~StagePlayer()
 
 void StagePlayer::setRules(const Programme::Rules &rules)
 {
-    m_playback.setRules(rules);
-    m_playback.dropBehind(m_contents.size());
+    m_rules = rules;
 }
 
 void StagePlayer::setProofOfPlay(const QString &fileName)
@@ -123,8 +123,48 @@ void StagePlayer::begin(const QString &logDirectory)
     noteProof();
     m_host.setUp(m_stage, m_screenId, m_logDirectory);
     m_scene.setPanel(m_host.panel());
+    m_hasBegun = true;
+    if (!m_isResting)
+        run();
+}
+
+void StagePlayer::run()
+{
+    m_playback.setRules(m_rules);
+    m_playback.dropBehind(m_contents.size());
     m_playback.begin();
-    m_host.start();
+    if (m_host.status() != Kora::Status::Started)
+        m_host.start();
+}
+
+void StagePlayer::rest()
+{
+    if (m_isResting)
+        return;
+    m_isResting = true;
+    m_playback.end();
+    endProof();
+    m_host.finish();
+}
+
+void StagePlayer::resume()
+{
+    if (!m_isResting)
+        return;
+    showPast(0);
+    m_isResting = false;
+    if (m_hasBegun && !m_ended)
+        run();
+}
+
+void StagePlayer::showPast(int number)
+{
+    if (!m_isResting)
+        return;
+    const bool isKnown = number > 0 && number <= m_contents.size();
+    m_current = isKnown ? m_contents.at(number - 1) : idleCard(m_stage.title());
+    m_scene.showContent(m_current, m_contents.size());
+    emit currentChanged();
 }
 
 void StagePlayer::requestSequence(int number)

@@ -38,8 +38,14 @@ public:
     void setRules(const Programme::Rules &rules);
     void setProofOfPlay(const QString &fileName); ///< a CSV file of what has played
 
-    /// Initialises and starts the plug-in. @p logDirectory is created when missing.
+    /// Initialises and starts the plug-in. @p logDirectory is created when missing. While the player
+    /// rests it is not started.
     void begin(const QString &logDirectory);
+    /// Stops the plug-in and switches nothing by itself until resume(), which begins anew.
+    void rest();
+    void resume();
+    bool isResting() const { return m_isResting; }
+    void showPast(int number); ///< a sequence that played, while the player rests; 0: none
     void requestSequence(int number); ///< as PluginHost has it
     void end(); ///< stops the plug-in and deletes it; its sensor program has ended then
 
@@ -65,6 +71,7 @@ signals:
     void stageChanged(); ///< its contents, settings, file or isModified()
 
 private:
+    void run();
     void note(PlayerEvent::Kind kind, const QString &details, const QString &signal = {});
     void onContentStarted(int seqIndex);
     StartReason reasonOf(int seqIndex) const;
@@ -93,6 +100,7 @@ private:
     Playback m_playback;
     StageScene m_scene; // goes after the plug-in, whose panel it shows
     PluginHost m_host;
+    Programme::Rules m_rules;
     std::optional<ProofOfPlay> m_proof;
     QString m_proofProblem; // last one told
     QByteArray m_savedStage;
@@ -101,6 +109,8 @@ private:
     bool m_switching = false; // at the signal of the plug-in
     bool m_editsPending = false;
     bool m_applyingEdits = false;
+    bool m_hasBegun = false;
+    bool m_isResting = false;
     bool m_ended = false;
 };
 

@@ -4,6 +4,7 @@
 #include "demo/desk/DecisionView.h"
 #include "demo/desk/SensorView.h"
 #include "demo/player/EventView.h"
+#include "demo/player/LogDesk.h"
 #include "demo/player/StageDesk.h"
 #include "demo/player/StagePlayer.h"
 
@@ -11,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -31,9 +33,7 @@ ViewPane::ViewPane(StagePlayer *player, StageDesk *desk, QWidget *parent)
     layout->addWidget(m_pickedBar);
     layout->addWidget(m_tabs, 1);
 
-    auto *const events = new EventView(&player->log(), this);
-    connect(events, &EventView::picked, desk, &StageDesk::pickFrameOf);
-    addView(events, tr("&Events"));
+    addEvents(player);
     addSensorView();
     addDecisionView();
     addCoverageView();
@@ -45,6 +45,38 @@ void ViewPane::showSensorView()
     m_desk->shown().follow();
     m_tabs->setCurrentWidget(m_sensorView);
     m_sensorView->setFocus();
+}
+
+void ViewPane::addEvents(StagePlayer *player)
+{
+    auto *const lists = new QStackedWidget(this);
+    auto *const events = new EventView(&player->log(), lists);
+    connect(events, &EventView::picked, m_desk, &StageDesk::pickFrameOf);
+    lists->addWidget(events);
+    lists->addWidget(createLogEvents());
+    lists->setFocusProxy(events);
+    connect(&m_desk->log(), &LogDesk::openChanged, lists, [lists](bool isOpen) {
+        lists->setCurrentIndex(isOpen ? 1 : 0);
+        lists->setFocusProxy(lists->currentWidget());
+    });
+    addView(lists, tr("&Events"));
+}
+
+QWidget *ViewPane::createLogEvents()
+{
+    LogDesk *const log = &m_desk->log();
+    auto *const events = new EventView(&log->records(), this);
+    events->setObjectName(QStringLiteral("logEvents"));
+    events->setAccessibleName(tr("Records of the log"));
+    const auto show = [log](const QModelIndex &index) { log->showFrameOfRow(index.row()); };
+    connect(events, &QAbstractItemView::clicked, log, show);
+    connect(events, &QAbstractItemView::activated, log, show);
+    connect(log, &LogDesk::frameShown, events, [events, log] {
+        const QModelIndex index = log->records().index(log->currentRow(), 0);
+        events->setCurrentIndex(index);
+        events->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    });
+    return events;
 }
 
 void ViewPane::addSensorView()
@@ -120,7 +152,8 @@ void ViewPane::createPickedBar()
 
     ShownFrame *const shown = &m_desk->shown();
     connect(button, &QPushButton::clicked, shown, &ShownFrame::follow);
-    connect(shown, &ShownFrame::pickedChanged, m_pickedBar, &QWidget::setVisible);
+    connect(shown, &ShownFrame::pickedChanged, m_pickedBar,
+        [this, shown](bool isPicked) { m_pickedBar->setVisible(isPicked && !shown->isLogOpen()); });
     connect(shown, &ShownFrame::frameShown, this, [this, shown](const SeenFrame &frame) {
         if (shown->isPicked()) {
             m_picked->setText(tr("Shown: the frame of %1")

@@ -19,7 +19,7 @@ class StageDesk;
 class StagePlayer;
 
 /// The views beside the stage, a tab for each, which all show the same frame: the newest one, or
-/// one that was picked, and then a bar says so.
+/// one that was picked, and then a bar says so. While a log is open it is a frame of that.
 class ViewPane : public QWidget
 {
     Q_OBJECT
@@ -40,6 +40,8 @@ private:
     template <typename View>
     void addFrameView(View *view, const QString &title);
     void createPickedBar();
+    QWidget *createLogEvents();
+    void addEvents(StagePlayer *player);
     void addSensorView();
     void addDecisionView();
     void addCoverageView();

@@ -1,3 +1,4 @@
+#include "demo/desk/LogDay.h"
 #include "demo/player/MainWindow.h"
 #include "demo/player/Options.h"
 #include "demo/player/Platform.h"
@@ -95,6 +96,11 @@ Order takeOrder(const Options &options)
         if (!objection.isEmpty())
             return refuse(QStringLiteral("%1: %2").arg(file, objection));
     }
+    if (!options.logFile.isEmpty()) {
+        const QString objection = Desk::LogDay::objection(options.logFile);
+        if (!objection.isEmpty())
+            return refuse(objection);
+    }
     QString error;
     const std::optional<Stage::StageFile> stage = Stage::StageFile::read(options.stageFile, &error);
     if (!stage)
@@ -181,6 +187,8 @@ int play(const Order &order)
         // Below a dialog of the plug-in it is not the last window.
         QObject::connect(window.get(), &MainWindow::closed, qApp, &QCoreApplication::quit);
         window->show();
+        if (!options.logFile.isEmpty())
+            window->openLog(options.logFile); // before the plug-in begins
     }
 
     const TerminationNotifier termination;
