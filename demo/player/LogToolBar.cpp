@@ -90,7 +90,7 @@ void LogToolBar::onReading(int percent)
     m_bar->setToolTip(plainToolTip(QDir::toNativeSeparators(day.fileName())));
     const bool hasProblems = percent == 100 && day.problemCount() > 0;
     m_problems->setText(
-        hasProblems ? tr("Not readable: %1 places").arg(day.problemCount()) : QString());
+        hasProblems ? tr("Places not readable: %1").arg(day.problemCount()) : QString());
     m_problems->setToolTip(
         hasProblems ? plainToolTip(day.problems().join(QLatin1Char('\n'))) : QString());
 }

@@ -20,6 +20,7 @@ private slots:
     void newPlan();
     void pickedOneOfAnOldPlan();
     void again();
+    void framesOfALog();
 
 private:
     QStringList heard();
@@ -139,6 +140,32 @@ void tst_ShownFrame::again()
     heard();
     m_shown->showAgain();
     QCOMPARE(heard(), QStringList({QStringLiteral("plan Sample"), QStringLiteral("frame 1")}));
+}
+
+/// And nothing else while it is open.
+void tst_ShownFrame::framesOfALog()
+{
+    addFrame();
+    m_shown->pick(m_history->newest());
+    heard();
+    const auto plan = std::make_shared<const Analysis::Plan>(samplePlan(2));
+    m_shown->openLog(plan);
+    QCOMPARE(heard().join(QStringLiteral(", ")), QStringLiteral("picked, plan Sample, nothing"));
+    SeenFrame logged;
+    logged.number = 77;
+    m_shown->showLogged(logged);
+    QCOMPARE(m_shown->number(), qint64{77});
+    addFrame();
+    setPlan(QStringLiteral("New"));
+    m_shown->pick(m_history->newest());
+    m_shown->follow();
+    QVERIFY(m_shown->isPicked());
+    QCOMPARE(heard().join(QStringLiteral(", ")), QStringLiteral("frame 77"));
+    m_shown->closeLog();
+    QVERIFY(!m_shown->isPicked());
+    QCOMPARE(heard().join(QStringLiteral(", ")), QStringLiteral("following, plan New, nothing"));
+    m_shown->showLogged(logged);
+    QVERIFY(heard().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_ShownFrame)

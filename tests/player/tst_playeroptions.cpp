@@ -43,6 +43,7 @@ void tst_PlayerOptions::defaults()
     QVERIFY(options.pluginFile.startsWith(QStringLiteral("/opt/bin/KrHvcP2.")));
     QVERIFY(options.logDirectory.endsWith(QStringLiteral("/logs")));
     QCOMPARE(options.screenshotFile, QString());
+    QCOMPARE(options.logFile, QString());
     QCOMPARE(options.replayFile, QString());
     QCOMPARE(options.scenarioFile, QString());
     QVERIFY(options.switching == Programme::Switching::Now);
@@ -69,6 +70,8 @@ void tst_PlayerOptions::everything()
     QCOMPARE(options.replayFile, here.absoluteFilePath(QStringLiteral("r.txt")));
     QCOMPARE(parse(QStringLiteral(" --scenario s.json")).scenarioFile,
         here.absoluteFilePath(QStringLiteral("s.json")));
+    QCOMPARE(parse(QStringLiteral(" --log l.txt")).logFile,
+        here.absoluteFilePath(QStringLiteral("l.txt")));
     QCOMPARE(parse(QStringLiteral(" --info p.so")).infoFile,
         here.absoluteFilePath(QStringLiteral("p.so")));
     QCOMPARE(parse(QStringLiteral(" --proof-of-play p.csv")).proofFile,
@@ -131,6 +134,8 @@ void tst_PlayerOptions::refused_data()
         const QString text = QLatin1String(value);
         QTest::newRow(value) << QString(QLatin1String(" --idle=") + text) << idle.arg(text);
     }
+    QTest::newRow("a log without a window") << " --log a --headless"
+                                            << "--log and --headless exclude each other.";
     QTest::newRow("a recording and a scenario") << " --replay a --scenario b"
                                                 << "--replay and --scenario exclude each other.";
 }
@@ -171,9 +176,9 @@ void tst_PlayerOptions::helpNamesEveryOption()
     const QString help = Options::helpText();
     for (const char *const option :
         {"--headless", "--seconds <N>", "--stage <FILE>", "--screen <ID>", "--plugin <FILE>",
-            "--log-dir <DIR>", "--screenshot <FILE>", "--replay <FILE>", "--scenario <FILE>",
-            "--switch <now|at-end>", "--idle <N[:SECONDS]>", "--proof-of-play <FILE>",
-            "--info <FILE>", "--help", "--version"})
+            "--log-dir <DIR>", "--log <FILE>", "--screenshot <FILE>", "--replay <FILE>",
+            "--scenario <FILE>", "--switch <now|at-end>", "--idle <N[:SECONDS]>",
+            "--proof-of-play <FILE>", "--info <FILE>", "--help", "--version"})
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 

@@ -133,6 +133,10 @@ void tst_PlayerProgram::refused_data()
         << "%1/none.txt: no such file";
     QTest::newRow("a recording that is a directory")
         << good << "--headless --stage %1/stage.json --replay %1" << 2 << "%1: is not a file";
+    QTest::newRow("a log that does not exist")
+        << good << "--stage %1/stage.json --log %1/none.txt" << 2 << "%1/none.txt: no such file";
+    QTest::newRow("a log that is none") << good << "--stage %1/stage.json --log %1/stage.json" << 2
+                                        << "%1/stage.json:1: this is no record of the plug-in";
     QTest::newRow("a scenario that is a directory")
         << good << "--headless --stage %1/stage.json --scenario %1" << 2 << "%1: is not a file";
 #ifdef Q_OS_UNIX
