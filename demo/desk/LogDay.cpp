@@ -240,7 +240,7 @@ std::shared_ptr<const LogPage> LogDay::page(qint64 number, QString *error)
         std::rotate(m_pages.begin(), known, std::next(known));
         return m_pages.front();
     }
-    const std::shared_ptr<const LogPage> page
+    std::shared_ptr<const LogPage> page
         = readPage(static_cast<size_t>((number - 1) / FramesOfPage), error);
     if (!page)
         return nullptr;

@@ -91,15 +91,19 @@ void LogDesk::readOn()
 {
     QElapsedTimer watch;
     watch.start();
-    while (m_day->read(EntriesAtOnce) && watch.elapsed() < TurnMs) { }
-    if (m_day->isRead())
+    while (m_day->read(EntriesAtOnce)) {
+        if (watch.elapsed() >= TurnMs)
+            break;
+    }
+    const bool isRead = m_day->isRead();
+    if (isRead)
         m_turns.stop();
-    const bool isReached = m_day->count() >= m_wanted || m_day->isRead();
-    if (m_playhead.number() == 0 && isReached)
+    const qint64 shown = m_playhead.number();
+    if (shown == 0 && (isRead || m_day->count() >= m_wanted))
         m_playhead.showFrame(m_wanted);
-    else if (m_day->isRead() && m_playhead.number() > 0)
-        show(m_playhead.number()); // with what was not there when it was first shown
-    emit reading(m_day->isRead() ? 100 : std::min(99, m_day->percentRead()));
+    else if (shown > 0 && isRead)
+        show(shown); // with what was not there when it was first shown
+    emit reading(isRead ? 100 : std::min(99, m_day->percentRead()));
 }
 
 void LogDesk::show(qint64 number)

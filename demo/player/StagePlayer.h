@@ -38,8 +38,8 @@ public:
     void setRules(const Programme::Rules &rules);
     void setProofOfPlay(const QString &fileName); ///< a CSV file of what has played
 
-    /// Initialises and starts the plug-in. @p logDirectory is created when missing. While the player
-    /// rests it is not started.
+    /// Initialises and starts the plug-in. @p logDirectory is created when missing. While the
+    /// player rests it is not started.
     void begin(const QString &logDirectory);
     /// Stops the plug-in and switches nothing by itself until resume(), which begins anew.
     void rest();

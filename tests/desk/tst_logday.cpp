@@ -314,7 +314,7 @@ void tst_LogDay::decidesAsInOneGo()
     }
     QString error;
     for (int turn = 0; turn < Frames; ++turn) {
-        const int i = turn * 97 % Frames; // to and fro
+        const int i = turn * 97 % Frames; // back and forth
         const auto frame = day->frame(i + 1, &error);
         QVERIFY2(frame, qPrintable(error));
         QCOMPARE(described(*frame), expected.at(i));
