@@ -1,6 +1,7 @@
 #include "demo/player/LogToolBar.h"
 
 #include "demo/desk/LogDayBar.h"
+#include "demo/player/AskUser.h"
 #include "demo/player/LogDesk.h"
 #include "demo/player/ShownText.h"
 #include "demo/player/StagePlayer.h"
@@ -10,7 +11,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMessageBox>
 
 namespace Player {
 
@@ -58,9 +58,7 @@ bool LogToolBar::open(const QString &fileName)
     QString error;
     if (m_log->open(fileName, &error))
         return true;
-    QMessageBox box(QMessageBox::Critical, tr("Log Not Opened"), error, QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText); // the name may be anything
-    box.exec();
+    ask(QMessageBox::Critical, tr("Log Not Opened"), error, QMessageBox::Ok, QMessageBox::Ok, this);
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "demo/player/AskUser.h"
 #include "demo/player/ControlPane.h"
+#include "demo/player/LogDesk.h"
 #include "demo/player/LogToolBar.h"
 #include "demo/player/PaneLabels.h"
 #include "demo/player/PlacingDesk.h"
@@ -326,6 +327,8 @@ QWidget *MainWindow::createViews()
     m_placing = new PlacingDesk(m_player, views, this);
     m_placing->menu()->setPalette(palette());
     menuBar()->addMenu(m_placing->menu());
+    connect(&m_desk->log(), &LogDesk::openChanged, m_placing,
+        [placing = m_placing](bool isOpen) { placing->setAvailable(!isOpen); });
     connect(m_placing, &PlacingDesk::told, this,
         [this](const QString &message) { statusBar()->showMessage(message, MessageTimeout); });
     return views;

@@ -12,6 +12,7 @@
 #include "demo/support/SimulatorVariables.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QDir>
 #include <QFileDialog>
 #include <QLabel>
@@ -61,13 +62,17 @@ void PlacingDesk::createMenu()
     m_place = addAction(QStringLiteral("placeViewers"), tr("&Place viewers"));
     m_place->setShortcut(tr("Ctrl+P"));
     m_place->setCheckable(true);
+    m_switches = new QActionGroup(this);
+    m_switches->setExclusive(false);
+    m_switches->addAction(m_place);
     connect(m_place, &QAction::toggled, this, &PlacingDesk::setPlacing);
     m_menu->addSeparator();
     const QVector<ViewerGroup> groups = viewerGroups();
     for (int i = 0; i < groups.size(); ++i) {
         const ViewerGroup group = groups.at(i);
-        connect(addAction(QStringLiteral("group%1").arg(i + 1), groupName(group)),
-            &QAction::triggered, this, [this, group] { addGroup(group); });
+        QAction *const action = addAction(QStringLiteral("group%1").arg(i + 1), groupName(group));
+        connect(action, &QAction::triggered, this, [this, group] { addGroup(group); });
+        m_switches->addAction(action);
     }
     m_removeAll = addAction(QStringLiteral("removeViewers"), tr("&Remove all"));
     m_removeAll->setEnabled(false);
@@ -76,6 +81,13 @@ void PlacingDesk::createMenu()
     m_save = addAction(QStringLiteral("saveScenario"), tr("&Save as scenario..."));
     m_save->setEnabled(false);
     connect(m_save, &QAction::triggered, this, &PlacingDesk::saveScenario);
+}
+
+void PlacingDesk::setAvailable(bool isAvailable)
+{
+    m_switches->setEnabled(isAvailable);
+    if (!isAvailable)
+        m_place->setChecked(false); // nothing after it: this may have gone
 }
 
 void PlacingDesk::createPane()

@@ -10,6 +10,7 @@
 #include <memory>
 
 class QAction;
+class QActionGroup;
 class QMenu;
 class QWidget;
 
@@ -36,11 +37,10 @@ public:
     ~PlacingDesk() override; ///< the next sensor program shows its own viewers again
 
     QMenu *menu() const { return m_menu; }
-    QWidget *pane() const
-    {
-        return m_pane;
-    } ///< hidden while nobody is placed; put it into a layout
+    /// Hidden while nobody is placed; put it into a layout.
+    QWidget *pane() const { return m_pane; }
     const Desk::ViewerDesk &viewers() const { return m_viewers; }
+    void setAvailable(bool isAvailable); ///< switches it off where it makes no sense
 
 signals:
     void told(const QString &message); ///< for the user
@@ -73,6 +73,7 @@ private:
     QWidget *m_pane = nullptr;
     Desk::PlacingView *m_view = nullptr;
     QAction *m_place = nullptr;
+    QActionGroup *m_switches = nullptr; // whatever switches it on; a child of this
     QAction *m_removeAll = nullptr;
     QAction *m_save = nullptr;
 };

@@ -16,11 +16,6 @@ QString geometryKey()
     return QStringLiteral("window/geometry");
 }
 
-QString stateKey()
-{
-    return QStringLiteral("window/state");
-}
-
 QString splitterKey(const QSplitter *splitter)
 {
     return QStringLiteral("splitter/") + splitter->objectName();
@@ -40,7 +35,6 @@ void restore(QMainWindow *window, const QString &fileName)
         return;
     const QSettings settings(fileName, QSettings::IniFormat);
     window->restoreGeometry(settings.value(geometryKey()).toByteArray());
-    window->restoreState(settings.value(stateKey()).toByteArray());
     const auto splitters = window->findChildren<QSplitter *>();
     for (QSplitter *const splitter : splitters)
         splitter->restoreState(settings.value(splitterKey(splitter)).toByteArray());
@@ -52,7 +46,6 @@ void save(const QMainWindow *window, const QString &fileName)
         return;
     QSettings settings(fileName, QSettings::IniFormat);
     settings.setValue(geometryKey(), window->saveGeometry());
-    settings.setValue(stateKey(), window->saveState());
     const auto splitters = window->findChildren<const QSplitter *>();
     for (const QSplitter *const splitter : splitters)
         settings.setValue(splitterKey(splitter), splitter->saveState());

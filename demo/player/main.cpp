@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QScreen>
 #include <QTextStream>
 #include <QThread>
 #include <QTimer>
@@ -141,6 +142,7 @@ bool isUsersOwn(const Options &options)
 void rememberState(MainWindow *window)
 {
     const QString file = WindowState::defaultFile();
+    window->resize(window->size().boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     WindowState::restore(window, file);
     QObject::connect(
         window, &MainWindow::closed, window, [window, file] { WindowState::save(window, file); });

@@ -61,6 +61,7 @@ private slots:
     void strip();
     void framesOfThePlugin();
     void closedAgain();
+    void nobodyIsPlacedMeanwhile();
     void editedStage();
     void fileThatGoes();
 
@@ -218,6 +219,24 @@ void tst_PlayerLog::closedAgain()
     QVERIFY(!desk().shown().isPicked());
     QCOMPARE(desk().shown().number(), desk().history().newest().number);
     QCOMPARE(m_player->current().number, 0);
+}
+
+void tst_PlayerLog::nobodyIsPlacedMeanwhile()
+{
+    m_player->begin(QString());
+    auto *const place = find<QAction>("placeViewers");
+    place->trigger();
+    QVERIFY(find<QWidget>("placing")->isVisible());
+    QVERIFY(m_window->openLog(m_file));
+    QVERIFY(!place->isChecked());
+    QVERIFY(find<QWidget>("placing")->isHidden());
+    QVERIFY(m_player->host().status() != Kora::Status::Started);
+    QTest::keyClick(m_window.get(), Qt::Key_P, Qt::ControlModifier);
+    QVERIFY(!place->isChecked());
+
+    find<QAction>("closeLog")->trigger();
+    QTest::keyClick(m_window.get(), Qt::Key_P, Qt::ControlModifier);
+    QVERIFY(find<QWidget>("placing")->isVisible());
 }
 
 /// What would have been decided with it.
