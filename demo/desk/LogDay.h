@@ -130,7 +130,6 @@ private:
 
     QString m_fileName;
     std::unique_ptr<Analysis::EntrySource> m_source; // until it was read
-    int m_percentRead = 0;
     Analysis::Replay m_replay;
     TimelineModel m_timeline;
     qint64 m_begun = 0; // frames, the last of which may wait for its decision

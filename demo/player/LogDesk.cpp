@@ -103,7 +103,8 @@ void LogDesk::readOn()
         m_playhead.showFrame(m_wanted);
     else if (shown > 0 && isRead)
         show(shown); // with what was not there when it was first shown
-    emit reading(isRead ? 100 : std::min(99, m_day->percentRead()));
+    const int percent = isRead ? 100 : std::min(99, m_day->percentRead());
+    emit reading(percent);
 }
 
 void LogDesk::show(qint64 number)
